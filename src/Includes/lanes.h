@@ -1,0 +1,207 @@
+// One register of floating-point lanes, and the few operations on it that C++ has no operator for. A function
+// body written over a type V (double, float, or a register of them) computes the same bits whichever it is,
+// because every step is an IEEE operation: that is how a scalar kernel and a vector kernel can share one
+// body.
+//
+// Registers are the compiler's vector types, so + - * / and comparisons are its operators; a comparison of
+// registers gives a mask register of all-ones or all-zero lanes, a comparison of numbers a bool.
+#pragma once
+
+#include <bit>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <type_traits>
+
+#if defined(__x86_64__)
+#include <immintrin.h>
+#elif defined(__aarch64__)
+#include <arm_neon.h>
+#endif
+
+namespace vlm {
+
+#if defined(__AVX512F__) && defined(__AVX512DQ__) && defined(__AVX512VL__)
+#define VELORIM_LANES_AVX512 1
+inline constexpr int register_bytes = 64;
+#elif defined(__AVX2__) && defined(__FMA__)
+#define VELORIM_LANES_AVX2 1
+inline constexpr int register_bytes = 32;
+#elif defined(__aarch64__)
+#define VELORIM_LANES_NEON 1
+inline constexpr int register_bytes = 16;
+#else
+#define VELORIM_LANES_SSE 1
+inline constexpr int register_bytes = 16;
+#endif
+
+using real64_lanes = double __attribute__((vector_size(register_bytes)));
+using real32_lanes = float __attribute__((vector_size(register_bytes)));
+using int64_lanes = int64_t __attribute__((vector_size(register_bytes)));
+using uint64_lanes = uint64_t __attribute__((vector_size(register_bytes)));
+using int32_lanes = int32_t __attribute__((vector_size(register_bytes)));
+using uint32_lanes = uint32_t __attribute__((vector_size(register_bytes)));
+using mask64_lanes = decltype(real64_lanes{} > real64_lanes{});
+using mask32_lanes = decltype(real32_lanes{} > real32_lanes{});
+
+/// What belongs to a lane type: its number type, lanes, the integers of its width, its masks.
+template <class V> struct lanes_of;
+template <> struct lanes_of<double> {
+  using number = double;
+  using signed_bits = int64_t;
+  using unsigned_bits = uint64_t;
+  using mask = bool;
+  static constexpr int count = 1;
+};
+template <> struct lanes_of<float> {
+  using number = float;
+  using signed_bits = int32_t;
+  using unsigned_bits = uint32_t;
+  using mask = bool;
+  static constexpr int count = 1;
+};
+template <> struct lanes_of<real64_lanes> {
+  using number = double;
+  using signed_bits = int64_lanes;
+  using unsigned_bits = uint64_lanes;
+  using mask = mask64_lanes;
+  static constexpr int count = register_bytes / 8;
+};
+template <> struct lanes_of<real32_lanes> {
+  using number = float;
+  using signed_bits = int32_lanes;
+  using unsigned_bits = uint32_lanes;
+  using mask = mask32_lanes;
+  static constexpr int count = register_bytes / 4;
+};
+
+/// The register of a number type.
+template <class T>
+using register_of = std::conditional_t<std::is_same_v<T, double>, real64_lanes, real32_lanes>;
+
+template <class V> inline constexpr bool is_register = lanes_of<V>::count > 1;
+template <class V> using number_of = typename lanes_of<V>::number;
+
+/// x in every lane.
+template <class V> inline V broadcast(number_of<V> x) {
+  if constexpr (is_register<V>) {
+    return x - V{};
+  } else {
+    return x;
+  }
+}
+
+template <class V> inline V load(const number_of<V>* p) {
+  V v;
+  std::memcpy(&v, p, sizeof v);
+  return v;
+}
+template <class V> inline void store(number_of<V>* p, V v) { std::memcpy(p, &v, sizeof v); }
+
+template <class V> inline typename lanes_of<V>::unsigned_bits to_bits(V v) {
+  return std::bit_cast<typename lanes_of<V>::unsigned_bits>(v);
+}
+template <class V> inline V from_bits(typename lanes_of<V>::unsigned_bits b) { return std::bit_cast<V>(b); }
+
+/// a where the mask is set, b elsewhere, lane by lane; both are computed.
+inline double select(bool mask, double a, double b) { return mask ? a : b; }
+inline float select(bool mask, float a, float b) { return mask ? a : b; }
+inline real64_lanes select(mask64_lanes mask, real64_lanes a, real64_lanes b) { return mask ? a : b; }
+inline real32_lanes select(mask32_lanes mask, real32_lanes a, real32_lanes b) { return mask ? a : b; }
+
+/// a * b + c, rounded once.
+inline double fused(double a, double b, double c) { return std::fma(a, b, c); }
+inline float fused(float a, float b, float c) { return std::fma(a, b, c); }
+inline real64_lanes fused(real64_lanes a, real64_lanes b, real64_lanes c) {
+#if defined(VELORIM_LANES_AVX512)
+  return (real64_lanes)_mm512_fmadd_pd((__m512d)a, (__m512d)b, (__m512d)c);
+#elif defined(VELORIM_LANES_AVX2)
+  return (real64_lanes)_mm256_fmadd_pd((__m256d)a, (__m256d)b, (__m256d)c);
+#elif defined(VELORIM_LANES_NEON)
+  return (real64_lanes)vfmaq_f64((float64x2_t)c, (float64x2_t)a, (float64x2_t)b);
+#else
+  return real64_lanes{std::fma(a[0], b[0], c[0]), std::fma(a[1], b[1], c[1])};
+#endif
+}
+inline real32_lanes fused(real32_lanes a, real32_lanes b, real32_lanes c) {
+#if defined(VELORIM_LANES_AVX512)
+  return (real32_lanes)_mm512_fmadd_ps((__m512)a, (__m512)b, (__m512)c);
+#elif defined(VELORIM_LANES_AVX2)
+  return (real32_lanes)_mm256_fmadd_ps((__m256)a, (__m256)b, (__m256)c);
+#elif defined(VELORIM_LANES_NEON)
+  return (real32_lanes)vfmaq_f32((float32x4_t)c, (float32x4_t)a, (float32x4_t)b);
+#else
+  real32_lanes r;
+  for (int i = 0; i < 4; ++i) r[i] = std::fma(a[i], b[i], c[i]);
+  return r;
+#endif
+}
+
+inline double square_root(double x) { return std::sqrt(x); }
+inline float square_root(float x) { return std::sqrt(x); }
+inline real64_lanes square_root(real64_lanes x) {
+#if defined(VELORIM_LANES_AVX512)
+  return (real64_lanes)_mm512_maskz_sqrt_pd(0xff, (__m512d)x);
+#elif defined(VELORIM_LANES_AVX2)
+  return (real64_lanes)_mm256_sqrt_pd((__m256d)x);
+#elif defined(VELORIM_LANES_NEON)
+  return (real64_lanes)vsqrtq_f64((float64x2_t)x);
+#else
+  return (real64_lanes)_mm_sqrt_pd((__m128d)x);
+#endif
+}
+inline real32_lanes square_root(real32_lanes x) {
+#if defined(VELORIM_LANES_AVX512)
+  return (real32_lanes)_mm512_maskz_sqrt_ps(0xffff, (__m512)x);
+#elif defined(VELORIM_LANES_AVX2)
+  return (real32_lanes)_mm256_sqrt_ps((__m256)x);
+#elif defined(VELORIM_LANES_NEON)
+  return (real32_lanes)vsqrtq_f32((float32x4_t)x);
+#else
+  return (real32_lanes)_mm_sqrt_ps((__m128)x);
+#endif
+}
+
+/// |x|, by its bits.
+template <class V> inline V magnitude(V x) {
+  using bits = typename lanes_of<V>::unsigned_bits;
+  constexpr auto sign_clear = sizeof(number_of<V>) == 8 ? 0x7fffffffffffffffULL : 0x7fffffffULL;
+  if constexpr (is_register<V>) {
+    return from_bits<V>(to_bits(x) &
+                        (bits{} + static_cast<std::remove_reference_t<decltype(bits{}[0])>>(sign_clear)));
+  } else {
+    return from_bits<V>(to_bits(x) & static_cast<bits>(sign_clear));
+  }
+}
+
+/// x with the sign of s.
+template <class V> inline V with_sign_of(V x, V s) {
+  return from_bits<V>(to_bits(magnitude(x)) | (to_bits(s) ^ to_bits(magnitude(s))));
+}
+
+/// Whether any lane of the mask is set.
+inline bool any_lane(bool mask) { return mask; }
+inline bool any_lane(mask64_lanes mask) {
+#if defined(VELORIM_LANES_AVX512)
+  return _mm512_movepi64_mask((__m512i)mask) != 0;
+#elif defined(VELORIM_LANES_AVX2)
+  return _mm256_movemask_pd((__m256d)mask) != 0;
+#elif defined(VELORIM_LANES_NEON)
+  return vmaxvq_u32((uint32x4_t)mask) != 0;
+#else
+  return _mm_movemask_pd((__m128d)mask) != 0;
+#endif
+}
+inline bool any_lane(mask32_lanes mask) {
+#if defined(VELORIM_LANES_AVX512)
+  return _mm512_movepi32_mask((__m512i)mask) != 0;
+#elif defined(VELORIM_LANES_AVX2)
+  return _mm256_movemask_ps((__m256)mask) != 0;
+#elif defined(VELORIM_LANES_NEON)
+  return vmaxvq_u32((uint32x4_t)mask) != 0;
+#else
+  return _mm_movemask_ps((__m128)mask) != 0;
+#endif
+}
+
+}  // namespace vlm
