@@ -2,9 +2,9 @@
 #ifndef VELORIM_STATUS_H
 #define VELORIM_STATUS_H
 
-/** Codes of compiled code: the argument of throwVelorimException, the code of a CompilerError, and how kernels classify a
- *  failure among themselves. Codes 47 to 96 are reserved. VelorimErrorName-style texts are the enumerator's name in lower
- *  case without its prefix, such as "integer_overflow". */
+/** Codes of compiled code: the argument of throwVelorimException, the code of a CompilerError, and how
+ * kernels classify a failure among themselves. Codes 47 to 96 are reserved. VelorimErrorName-style texts are
+ * the enumerator's name in lower case without its prefix, such as "integer_overflow". */
 typedef enum VelorimError {
   VelorimError_success = 0,
   VelorimError_integer_overflow = 1,
@@ -60,23 +60,24 @@ typedef enum VelorimError {
 /** Codes of the array layer, returned by the MNumericArray_ and MTensor_ operations. */
 typedef enum ArrayStatus {
   ArrayStatusOk = 0,
-  ArrayStatusLengthMismatch = 203,   /**< operand lengths differ */
-  ArrayStatusBadNormOrder = 204,     /**< element type or order that a norm does not handle */
-  ArrayStatusBadDimensions = 402,    /**< a dimension is negative */
-  ArrayStatusNoMemory = 403,         /**< storage failed, or its size overflowed */
-  ArrayStatusAborted = 1000,         /**< the abort poll answered yes */
-  ArrayStatusArithmetic = 1001,      /**< overflow or another arithmetic failure in a reduction or product */
-  ArrayStatusBadLevel = 1008,        /**< a negative level */
-  ArrayStatusNullArgument = 1300,    /**< an array argument is null */
-  ArrayStatusBadType = 1301,         /**< element type out of range or of the wrong kind */
-  ArrayStatusBadRank = 1302,         /**< wrong rank */
-  ArrayStatusBadShape = 1303,        /**< dimensions differ, or an iterator has no finite count */
-  ArrayStatusBadMethod = 1304,       /**< conversion method out of range */
+  ArrayStatusLengthMismatch = 203,    /**< operand lengths differ */
+  ArrayStatusBadNormOrder = 204,      /**< element type or order that a norm does not handle */
+  ArrayStatusBadDimensions = 402,     /**< a dimension is negative */
+  ArrayStatusNoMemory = 403,          /**< storage failed, or its size overflowed */
+  ArrayStatusAborted = 1000,          /**< the abort poll answered yes */
+  ArrayStatusArithmetic = 1001,       /**< overflow or another arithmetic failure in a reduction or product */
+  ArrayStatusBadLevel = 1008,         /**< a negative level */
+  ArrayStatusNullArgument = 1300,     /**< an array argument is null */
+  ArrayStatusBadType = 1301,          /**< element type out of range or of the wrong kind */
+  ArrayStatusBadRank = 1302,          /**< wrong rank */
+  ArrayStatusBadShape = 1303,         /**< dimensions differ, or an iterator has no finite count */
+  ArrayStatusBadMethod = 1304,        /**< conversion method out of range */
   ArrayStatusNotRepresentable = 1305, /**< a value or block does not fit the target */
-  ArrayStatusCountTooLarge = 1307    /**< a real iterator's count does not fit mint */
+  ArrayStatusCountTooLarge = 1307     /**< a real iterator's count does not fit mint */
 } ArrayStatus;
 
-/** Codes of the plug-in callback tables and of named calls; the elementwise front ends return 4 and 5 of them. */
+/** Codes of the plug-in callback tables and of named calls; the elementwise front ends return 4 and 5 of
+ * them. */
 typedef enum LibraryStatus {
   LibraryOk = 0,
   LibraryTypeError = 1,          /**< wrong type of an argument */

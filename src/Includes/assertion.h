@@ -1,4 +1,5 @@
-// Assertions of caller errors. A debug build stops with the text; a release build goes on to the answer stated beside it.
+// Assertions of caller errors. A debug build stops with the text; a release build goes on to the answer
+// stated beside it.
 #pragma once
 
 #include <cstdio>

@@ -1,5 +1,5 @@
-// Element types as C++ sees them: traits and loops expanded from element_types.def, so that no type is ever missing from
-// one function.
+// Element types as C++ sees them: traits and loops expanded from element_types.def, so that no type is ever
+// missing from one function.
 #pragma once
 
 #include <cstddef>
@@ -27,48 +27,40 @@ inline constexpr int32_t element_type_count = 13;
 constexpr bool is_element_type(int32_t code) { return code >= 1 && code <= element_type_count; }
 
 /// What is known of the element type with a code: type, kind, bytes, digits, tensor_type, name.
-template <int32_t Code>
-struct element;
+template <int32_t Code> struct element;
 
 /// The same, found by the C++ type.
-template <class T>
-struct element_of;
+template <class T> struct element_of;
 
 #define VELORIM_ELEMENT_TYPE(CODE, NAME, TYPE, CLASS, BYTES, DIGITS, TENSOR) \
-  template <>                                                               \
-  struct element<CODE> {                                                    \
-    using type = TYPE;                                                      \
-    static constexpr int32_t code = CODE;                                   \
-    static constexpr element_class kind = element_class::CLASS;             \
-    static constexpr size_t bytes = BYTES;                                  \
-    static constexpr int digits = DIGITS;                                   \
-    static constexpr int32_t tensor_type = TENSOR;                          \
-    static constexpr const char* name = #NAME;                              \
-  };                                                                        \
-  static_assert(sizeof(TYPE) == BYTES);                                     \
-  template <>                                                               \
-  struct element_of<TYPE> : element<CODE> {};
+  template <> struct element<CODE> {                                         \
+    using type = TYPE;                                                       \
+    static constexpr int32_t code = CODE;                                    \
+    static constexpr element_class kind = element_class::CLASS;              \
+    static constexpr size_t bytes = BYTES;                                   \
+    static constexpr int digits = DIGITS;                                    \
+    static constexpr int32_t tensor_type = TENSOR;                           \
+    static constexpr const char* name = #NAME;                               \
+  };                                                                         \
+  static_assert(sizeof(TYPE) == BYTES);                                      \
+  template <> struct element_of<TYPE> : element<CODE> {};
 #include "element_types.def"
 #undef VELORIM_ELEMENT_TYPE
 
-template <int32_t Code>
-using element_t = typename element<Code>::type;
+template <int32_t Code> using element_t = typename element<Code>::type;
 
-template <class T>
-inline constexpr int32_t element_code = element_of<T>::code;
+template <class T> inline constexpr int32_t element_code = element_of<T>::code;
 template <class T>
 inline constexpr bool is_integer_element = element_of<T>::kind == element_class::signed_integer ||
                                            element_of<T>::kind == element_class::unsigned_integer;
-template <class T>
-inline constexpr bool is_real_element = element_of<T>::kind == element_class::real;
-template <class T>
-inline constexpr bool is_complex_element = element_of<T>::kind == element_class::complex;
+template <class T> inline constexpr bool is_real_element = element_of<T>::kind == element_class::real;
+template <class T> inline constexpr bool is_complex_element = element_of<T>::kind == element_class::complex;
 
 /// Bytes of an element by its code; 0 for no type.
 constexpr size_t element_bytes(int32_t code) {
   switch (code) {
 #define VELORIM_ELEMENT_TYPE(CODE, NAME, TYPE, CLASS, BYTES, DIGITS, TENSOR) \
-  case CODE:                                                                \
+  case CODE:                                                                 \
     return BYTES;
 #include "element_types.def"
 #undef VELORIM_ELEMENT_TYPE
@@ -78,12 +70,11 @@ constexpr size_t element_bytes(int32_t code) {
 }
 
 /// Calls body.operator()<T>() for the type with the code; false if the code names no type.
-template <class Body>
-bool with_element_type(int32_t code, Body&& body) {
+template <class Body> bool with_element_type(int32_t code, Body&& body) {
   switch (code) {
 #define VELORIM_ELEMENT_TYPE(CODE, NAME, TYPE, CLASS, BYTES, DIGITS, TENSOR) \
-  case CODE:                                                                \
-    body.template operator()<TYPE>();                                       \
+  case CODE:                                                                 \
+    body.template operator()<TYPE>();                                        \
     return true;
 #include "element_types.def"
 #undef VELORIM_ELEMENT_TYPE
@@ -93,11 +84,11 @@ bool with_element_type(int32_t code, Body&& body) {
 }
 
 /// Calls body.operator()<T>() once for every element type, in the order of the codes.
-template <class Body>
-void for_all_element_types(Body&& body) {
+template <class Body> void for_all_element_types(Body&& body) {
   [&]<int32_t... I>(std::integer_sequence<int32_t, I...>) {
     (body.template operator()<element_t<I + 1>>(), ...);
-  }(std::make_integer_sequence<int32_t, element_type_count>{});
+  }
+  (std::make_integer_sequence<int32_t, element_type_count>{});
 }
 
 }  // namespace vlm

@@ -11,6 +11,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 #include <type_traits>
 
 #if defined(__x86_64__)
@@ -177,6 +178,24 @@ template <class V> inline V magnitude(V x) {
 /// x with the sign of s.
 template <class V> inline V with_sign_of(V x, V s) {
   return from_bits<V>(to_bits(magnitude(x)) | (to_bits(s) ^ to_bits(magnitude(s))));
+}
+
+/// low <= x <= infinity for a positive low, lane by lane, on the bits: unlike a comparison of floating-point
+/// lanes it raises nothing for a NaN, which is outside.
+template <class V> inline typename lanes_of<V>::mask from_up(V x, number_of<V> low) {
+  using integers = typename lanes_of<V>::signed_bits;
+  const auto least = std::bit_cast<integers>(broadcast<V>(low));
+  const auto most = std::bit_cast<integers>(broadcast<V>(std::numeric_limits<number_of<V>>::infinity()));
+  const auto bits = std::bit_cast<integers>(x);
+  if constexpr (is_register<V>) {
+    return std::bit_cast<typename lanes_of<V>::mask>((bits >= least) & (bits <= most));
+  } else {
+    return bits >= least && bits <= most;
+  }
+}
+/// x > 0 in the same way.
+template <class V> inline typename lanes_of<V>::mask is_positive(V x) {
+  return from_up(x, std::numeric_limits<number_of<V>>::denorm_min());
 }
 
 /// Whether any lane of the mask is set.

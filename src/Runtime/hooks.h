@@ -1,6 +1,7 @@
-// The subsystem hooks that the lifecycle driver calls, each with a phase number from 0 to 4. A hook lives with its subsystem
-// and does nothing in a phase that it has no work in; their order is the list in lifecycle.cpp. Also the steps that
-// DeinitializeRuntimeLibrary and ReinitializeRuntimeLibrary take in each subsystem.
+// The subsystem hooks that the lifecycle driver calls, each with a phase number from 0 to 4. A hook lives
+// with its subsystem and does nothing in a phase that it has no work in; their order is the list in
+// lifecycle.cpp. Also the steps that DeinitializeRuntimeLibrary and ReinitializeRuntimeLibrary take in each
+// subsystem.
 #pragma once
 
 #include <cstdint>
@@ -16,12 +17,12 @@ void eternal_tensor_hook(int32_t phase);     // MTensor
 void abort_state_hook(int32_t phase);        // Runtime
 
 // Tear-down and renewal, in the order of the calls.
-void array_names_free();    // frees the two name-to-code maps
-void array_names_build();   // builds them
+void array_names_free();   // frees the two name-to-code maps
+void array_names_build();  // builds them
 void shared_rank0_key_delete();
 void shared_rank0_key_create();
-void thread_pool_free();                            // stops and frees the pool, if there is one
-ParallelThreadsEnvironment* thread_pool_create();   // makes the pool at the current thread number
-void memory_tear_down();                            // everything of the allocator
+void thread_pool_free();                           // stops and frees the pool, if there is one
+ParallelThreadsEnvironment* thread_pool_create();  // makes the pool at the current thread number
+void memory_tear_down();                           // everything of the allocator
 
 }  // namespace vlm

@@ -1,0 +1,93 @@
+// How a machine function is defined. Each function is one struct, in the header of its family:
+//
+//   struct Square {
+//     static constexpr int32_t number = 56;               // its number, part of the interface
+//     static constexpr char name[] = "square";
+//     static constexpr char return_range[] = "IRC";        // what ReturnRangeType1 answers, see below
+//     struct on_integers { ... };                          // absent where the class has no row
+//     struct on_reals { ... };
+//   };
+//
+// A class gives
+//   value(x)      the result for one element, as a template over the element type. A result of type mint
+//   makes an Integer64
+//                 row, any other a row of the argument's own type. Integer arithmetic wraps at the element
+//                 width.
+//   obeys         which check it obeys:
+//                   plain    it never fails element by element;
+//                   checked  the failure is looked for only when the flags ask for it;
+//                   always   the failure is detected whatever the flags.
+//   failure(x)    for integers and for mint results: the code of the failure for the argument, success if
+//   there is none.
+//                 Real results need none: the result check (finite_or_zero) is the one failure they know.
+//   range<T>()    for real results with a register form: the ordinary range. Inside it value() may be called
+//   on a register of
+//                 lanes: no lane needs special care, and the scalar form raises none of the three flags that
+//                 count. Lanes outside are recomputed one by one. A class without range() is computed element
+//                 by element.
+// From this one definition come the scalar kernel, the vector kernel, the catalogue row and the exported
+// scalar entry.
+//
+// return_range has a letter each for Integer, Real and Complex tensors: I, R, C the tensor type that can hold
+// every result, B integer with the boolean mark, = the argument itself, - no such function.
+#pragma once
+
+#include <cstdint>
+
+#include "Includes/element_types.h"
+#include "Includes/lanes.h"
+#include "Includes/real16.h"
+#include "velorim/status.h"
+
+namespace vlm::machine_function {
+
+enum class check { plain, checked, always };
+
+/// A class of functions whose result check reads MACHFUNC_CHECK_FP, and one without it.
+struct checked_real {
+  static constexpr check obeys = check::checked;
+};
+struct plain_real {
+  static constexpr check obeys = check::plain;
+};
+/// A class that never fails; also for mint results of reals.
+struct never_fails {
+  static constexpr check obeys = check::plain;
+  template <class T> static constexpr VelorimError failure(T) { return VelorimError_success; }
+};
+
+/// A closed interval of x, or of |x|. NaN is outside every interval.
+struct ordinary_range {
+  double low, high;
+  bool of_magnitude;
+};
+
+/// Whether x lies in the range, lane by lane. Raises no flag that counts for a number that is not a
+/// signalling NaN.
+template <class V> inline auto in_range(const ordinary_range& range, V x) {
+  const V m = range.of_magnitude ? magnitude(x) : x;
+  using T = number_of<V>;
+  const V low = broadcast<V>(static_cast<T>(range.low)), high = broadcast<V>(static_cast<T>(range.high));
+  if constexpr (is_register<V>) {
+    return (m >= low) & (m <= high);
+  } else {
+    return __builtin_isgreaterequal(m, low) && __builtin_islessequal(m, high);
+  }
+}
+
+/// The value test of every real result: not a NaN and not an infinity. By the exponent bits, so that it
+/// raises nothing.
+template <class T> constexpr bool is_finite_value(T y) {
+  if constexpr (std::is_same_v<T, real16>) {
+    return (y.bits & 0x7c00) != 0x7c00;
+  } else if constexpr (std::is_same_v<T, float>) {
+    return (std::bit_cast<uint32_t>(y) & 0x7f800000u) != 0x7f800000u;
+  } else {
+    return (std::bit_cast<uint64_t>(y) & 0x7ff0000000000000u) != 0x7ff0000000000000u;
+  }
+}
+
+/// A list of functions; each family header ends with its own.
+template <class... F> struct function_list { static constexpr int count = sizeof...(F); };
+
+}  // namespace vlm::machine_function

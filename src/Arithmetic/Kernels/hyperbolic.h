@@ -1,0 +1,184 @@
+// Hyperbolic functions, their inverses, and the Gudermannian.
+#pragma once
+
+#include "Arithmetic/Kernels/trigonometric.h"
+#include "Arithmetic/Kernels/vector_math.h"
+
+namespace vlm::machine_function {
+
+struct Sinh {
+  static constexpr int32_t number = 9;
+  static constexpr char name[] = "sinh";
+  static constexpr char return_range[] = "-RC";
+  struct on_reals : checked_real {
+    template <class T> static constexpr ordinary_range range() { return vm::sinh.range<T>(); }
+    template <class V> static V value(V x) { return vm::sinh(x); }
+  };
+};
+
+struct Cosh {
+  static constexpr int32_t number = 10;
+  static constexpr char name[] = "cosh";
+  static constexpr char return_range[] = "-RC";
+  struct on_reals : checked_real {
+    template <class T> static constexpr ordinary_range range() { return vm::cosh.range<T>(); }
+    template <class V> static V value(V x) { return vm::cosh(x); }
+  };
+};
+
+struct Tanh {
+  static constexpr int32_t number = 11;
+  static constexpr char name[] = "tanh";
+  static constexpr char return_range[] = "-RC";
+  struct on_reals : checked_real {
+    template <class T> static constexpr ordinary_range range() { return vm::tanh.range<T>(); }
+    template <class V> static V value(V x) { return vm::tanh(x); }
+  };
+};
+
+/// From here on 1 / sinh and 1 / cosh are 0 in the type, and sinh and cosh themselves overflow.
+template <class T>
+inline constexpr T reciprocal_hyperbolic_limit = std::is_same_v<T, float> ? T(89.76256)
+                                                                          : T(710.8224336642239);
+
+struct Csch {
+  static constexpr int32_t number = 13;
+  static constexpr char name[] = "csch";
+  static constexpr char return_range[] = "-RC";
+  struct on_reals : checked_real {
+    template <class T> static constexpr ordinary_range range() {
+      return above_subnormals<T>(vm::sinh.range<T>());
+    }
+    template <class V> static V value(V x) {
+      if constexpr (!is_register<V>) {
+        if (__builtin_isgreater(magnitude(x), reciprocal_hyperbolic_limit<V>)) return 0;
+      }
+      return broadcast<V>(1) / vm::sinh(x);
+    }
+  };
+};
+
+struct Sech {
+  static constexpr int32_t number = 14;
+  static constexpr char name[] = "sech";
+  static constexpr char return_range[] = "-RC";
+  struct on_reals : checked_real {
+    template <class T> static constexpr ordinary_range range() { return vm::cosh.range<T>(); }
+    template <class V> static V value(V x) {
+      if constexpr (!is_register<V>) {
+        if (__builtin_isgreater(magnitude(x), reciprocal_hyperbolic_limit<V>)) return 0;
+      }
+      return broadcast<V>(1) / vm::cosh(x);
+    }
+  };
+};
+
+struct Coth {
+  static constexpr int32_t number = 15;
+  static constexpr char name[] = "coth";
+  static constexpr char return_range[] = "-RC";
+  struct on_reals : checked_real {
+    template <class T> static constexpr ordinary_range range() {
+      return above_subnormals<T>(vm::tanh.range<T>());
+    }
+    template <class V> static V value(V x) { return broadcast<V>(1) / vm::tanh(x); }
+  };
+};
+
+struct Asinh {
+  static constexpr int32_t number = 25;
+  static constexpr char name[] = "asinh";
+  static constexpr char return_range[] = "-RC";
+  struct on_reals : plain_real {
+    template <class T> static constexpr ordinary_range range() { return vm::asinh.range<T>(); }
+    template <class V> static V value(V x) { return vm::asinh(x); }
+  };
+};
+
+struct Acosh {
+  static constexpr int32_t number = 26;
+  static constexpr char name[] = "acosh";
+  static constexpr char return_range[] = "-CC";
+  struct on_reals : checked_real {
+    template <class T> static constexpr ordinary_range range() { return vm::acosh.range<T>(); }
+    template <class V> static V value(V x) { return vm::acosh(x); }
+  };
+};
+
+struct Atanh {
+  static constexpr int32_t number = 27;
+  static constexpr char name[] = "atanh";
+  static constexpr char return_range[] = "-CC";
+  struct on_reals : checked_real {
+    template <class T> static constexpr ordinary_range range() { return vm::atanh.range<T>(); }
+    template <class V> static V value(V x) { return vm::atanh(x); }
+  };
+};
+
+struct Acsch {
+  static constexpr int32_t number = 29;
+  static constexpr char name[] = "acsch";
+  static constexpr char return_range[] = "-RC";
+  struct on_reals : checked_real {
+    template <class T> static constexpr ordinary_range range() {
+      return {1 / vm::asinh.range<T>().high, std::numeric_limits<T>::max() / 8, true};
+    }
+    template <class V> static V value(V x) { return vm::asinh(broadcast<V>(1) / x); }
+  };
+};
+
+struct Asech {
+  static constexpr int32_t number = 30;
+  static constexpr char name[] = "asech";
+  static constexpr char return_range[] = "-CC";
+  struct on_reals : checked_real {
+    template <class T> static constexpr ordinary_range range() {
+      return {1 / vm::acosh.range<T>().high, 1, false};
+    }
+    template <class V> static V value(V x) { return vm::acosh(broadcast<V>(1) / x); }
+  };
+};
+
+struct Acoth {
+  static constexpr int32_t number = 31;
+  static constexpr char name[] = "acoth";
+  static constexpr char return_range[] = "-CC";
+  struct on_reals : checked_real {
+    template <class T> static constexpr ordinary_range range() {
+      return {1 + 2 * static_cast<double>(std::numeric_limits<T>::epsilon()),
+              std::numeric_limits<T>::max() / 8, true};
+    }
+    template <class V> static V value(V x) { return vm::atanh(broadcast<V>(1) / x); }
+  };
+};
+
+/// 2 atan(tanh(x / 2)).
+struct Gudermannian {
+  static constexpr int32_t number = 70;
+  static constexpr char name[] = "gudermannian";
+  static constexpr char return_range[] = "-CC";
+  struct on_reals : checked_real {
+    template <class T> static constexpr ordinary_range range() { return vm::tanh.range<T>(); }
+    template <class V> static V value(V x) {
+      return broadcast<V>(2) * vm::atan(vm::tanh(x / broadcast<V>(2)));
+    }
+  };
+};
+
+/// 2 atanh(tan(x / 2)); the range keeps clear of the poles at the odd multiples of pi / 2.
+struct InverseGudermannian {
+  static constexpr int32_t number = 71;
+  static constexpr char name[] = "inversegudermannian";
+  static constexpr char return_range[] = "-CC";
+  struct on_reals : checked_real {
+    template <class T> static constexpr ordinary_range range() { return {0, 1.5, true}; }
+    template <class V> static V value(V x) {
+      return broadcast<V>(2) * vm::atanh(vm::tan(x / broadcast<V>(2)));
+    }
+  };
+};
+
+using hyperbolic_functions = function_list<Sinh, Cosh, Tanh, Csch, Sech, Coth, Asinh, Acosh, Atanh, Acsch,
+                                           Asech, Acoth, Gudermannian, InverseGudermannian>;
+
+}  // namespace vlm::machine_function

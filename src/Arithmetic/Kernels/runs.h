@@ -1,0 +1,265 @@
+// Runs: one function over contiguous elements, the loops that the vector frames call. A run may be in place
+// (result and source the same elements); other overlap is the frame's business.
+//
+//   plain_run     every element is written, without element checks; a function that fails whatever the flags
+//   stops at its
+//                 first failure.
+//   element_run   stops at the first element that fails its check; that element and all behind it stay as
+//   they were.
+//
+// Both return 0 or the 1-based position of the failing element. Checks are made on blocks: a block is clean
+// or is gone through again element by element, which costs clean data nearly nothing and keeps the reported
+// position exact.
+#pragma once
+
+#include <algorithm>
+#include <cstring>
+#include <type_traits>
+
+#include "Arithmetic/Kernels/definition.h"
+#include "Includes/fp_environment.h"
+
+#if defined(__clang__)
+#define VELORIM_INDEPENDENT _Pragma("clang loop vectorize(assume_safety)")
+#else
+#define VELORIM_INDEPENDENT _Pragma("GCC ivdep")
+#endif
+
+namespace vlm::machine_function {
+
+/// Elements of a block: some 4 KB of doubles, so that a block stays in the first-level cache between its two
+/// passes.
+inline constexpr mint block_length = 512;
+
+/// The class of F's definition that serves T: on_integers, on_reals, or none.
+struct no_class {};
+template <class F, class T> struct class_for {
+  template <class G> static auto pick() {
+    if constexpr (is_integer_element<T>) {
+      if constexpr (requires { typename G::on_integers; }) {
+        return std::type_identity<typename G::on_integers>{};
+      } else {
+        return std::type_identity<no_class>{};
+      }
+    } else if constexpr (is_real_element<T>) {
+      if constexpr (requires { typename G::on_reals; }) {
+        return std::type_identity<typename G::on_reals>{};
+      } else {
+        return std::type_identity<no_class>{};
+      }
+    } else {
+      return std::type_identity<no_class>{};
+    }
+  }
+  using type = typename decltype(pick<F>())::type;
+};
+template <class F, class T> using class_of = typename class_for<F, T>::type;
+template <class F, class T> inline constexpr bool has_row = !std::is_same_v<class_of<F, T>, no_class>;
+
+/// The number type in which a class computes for T: binary16 is computed in double and rounded once.
+template <class T> using computing_type = std::conditional_t<std::is_same_v<T, real16>, double, T>;
+
+template <class F, class T>
+inline constexpr bool gives_mint =
+    !std::is_same_v<T, mint> && std::is_same_v<decltype(class_of<F, T>::value(computing_type<T>{})), mint>;
+/// What F writes for an element of type T.
+template <class F, class T> using result_of = std::conditional_t<gives_mint<F, T>, mint, T>;
+
+template <class C> inline constexpr bool copies_bits = requires { C::copies_bits; };
+template <class C> inline constexpr bool register_arithmetic = requires { C::register_arithmetic; };
+template <class C, class T> inline constexpr bool has_range = requires { C::template range<T>(); };
+/// Classes whose result on a real is a real: they answer to the result check. The others check the argument.
+template <class F, class T> inline constexpr bool checks_result = is_real_element<T> && !gives_mint<F, T>;
+
+/// The value for one element, whatever its type.
+template <class F, class T> inline result_of<F, T> value_of(T x) {
+  using C = class_of<F, T>;
+  if constexpr (!std::is_same_v<T, real16>) {
+    return C::value(x);
+  } else if constexpr (gives_mint<F, T>) {
+    signal_if_nan(x);
+    return C::value(to_double(x));
+  } else if constexpr (copies_bits<C>) {
+    return real16{static_cast<uint16_t>(
+        std::bit_cast<uint64_t>(C::value(std::bit_cast<double>(uint64_t{x.bits} << 48))) >> 48)};
+  } else {
+    return evaluate([](double d) { return C::value(d); }, x);
+  }
+}
+
+/// The failure for one element's argument.
+template <class F, class T> inline VelorimError argument_failure(T x) {
+  using C = class_of<F, T>;
+  if constexpr (std::is_same_v<T, real16>) {
+    return C::failure(to_double(x));
+  } else {
+    return C::failure(x);
+  }
+}
+
+/// The result check of one value.
+template <class T> inline VelorimError result_failure(T y) {
+  if (is_finite_value(y)) return VelorimError_success;
+  constexpr auto infinity = std::is_same_v<T, double>  ? 0x7ff0000000000000u
+                            : std::is_same_v<T, float> ? 0x7f800000u
+                                                       : 0x7c00u;
+  using bits =
+      std::conditional_t<sizeof(T) == 8, uint64_t, std::conditional_t<sizeof(T) == 4, uint32_t, uint16_t>>;
+  const auto magnitude_bits = std::bit_cast<bits>(y) & static_cast<bits>(~(bits{1} << (8 * sizeof(T) - 1)));
+  return magnitude_bits == infinity ? VelorimError_floating_point_infinite : VelorimError_floating_point_nan;
+}
+
+/// One element with its check on: the scalar kernel. On failure nothing is written.
+template <class F, class T> inline VelorimError checked_element(result_of<F, T>* result, T x) {
+  if constexpr (checks_result<F, T>) {
+    const T y = value_of<F>(x);
+    if constexpr (class_of<F, T>::obeys == check::checked) {
+      if (const VelorimError error = result_failure(y)) return error;
+    }
+    *result = y;
+  } else {
+    if (const VelorimError error = argument_failure<F>(x)) return error;
+    *result = value_of<F>(x);
+  }
+  return VelorimError_success;
+}
+
+/// Registers of a class with an ordinary range: stray flags of the register form are set aside for the whole
+/// run, and lanes outside the range are computed as numbers with the flags let through.
+template <class C, class T> void ordinary_range_values(T* result, const T* source, mint n) {
+  using V = register_of<T>;
+  constexpr mint width = lanes_of<V>::count;
+  constexpr ordinary_range range = C::template range<T>();
+  fp::quiet_section quiet;
+  const auto one_register = [&](V x, auto write) {
+    const auto inside = in_range(range, x);
+    V y = C::value(x);
+    if (any_lane(~inside)) [[unlikely]] {
+      T special[width], ordinary[width];
+      store(special, x);
+      store(ordinary, y);
+      quiet.restore();
+      for (mint lane = 0; lane < width; ++lane) {
+        if (!inside[lane]) ordinary[lane] = C::value(special[lane]);
+      }
+      y = load<V>(ordinary);
+      quiet.resume();
+    }
+    write(y);
+  };
+  mint i = 0;
+  for (; i + width <= n; i += width) {
+    one_register(load<V>(source + i), [&](V y) { store(result + i, y); });
+  }
+  if (i < n) {
+    // The tail goes through the same form, its spare lanes filled with its first element.
+    T lanes[width];
+    std::fill_n(lanes, width, source[i]);
+    std::copy_n(source + i, n - i, lanes);
+    one_register(load<V>(lanes), [&](V y) { store(lanes, y); });
+    std::copy_n(lanes, n - i, result + i);
+  }
+}
+
+/// Registers of a class that is plain arithmetic: the flags it raises are the right ones.
+template <class C, class T> void arithmetic_values(T* result, const T* source, mint n) {
+  using V = register_of<T>;
+  constexpr mint width = lanes_of<V>::count;
+  mint i = 0;
+  for (; i + width <= n; i += width) store(result + i, C::value(load<V>(source + i)));
+  for (; i < n; ++i) result[i] = C::value(source[i]);
+}
+
+/// The values of a run, without checks.
+template <class F, class T> void values(result_of<F, T>* result, const T* source, mint n) {
+  using C = class_of<F, T>;
+  if constexpr (checks_result<F, T> && !std::is_same_v<T, real16> && has_range<C, T>) {
+    ordinary_range_values<C>(result, source, n);
+  } else if constexpr (checks_result<F, T> && !std::is_same_v<T, real16> && register_arithmetic<C>) {
+    arithmetic_values<C>(result, source, n);
+  } else {
+    VELORIM_INDEPENDENT
+    for (mint i = 0; i < n; ++i) result[i] = value_of<F>(source[i]);
+  }
+}
+
+/// Elements one by one from the start, up to the first failure: its 1-based position, 0 if there is none.
+template <class F, class T> mint careful_run(result_of<F, T>* result, const T* source, mint n) {
+  for (mint i = 0; i < n; ++i) {
+    if (checked_element<F>(result + i, source[i])) return i + 1;
+  }
+  return 0;
+}
+
+/// Checks that look at the argument: a pass that only looks, then the values.
+template <class F, class T> mint argument_checked_run(result_of<F, T>* result, const T* source, mint n) {
+  for (mint first = 0; first < n; first += block_length) {
+    const mint length = std::min(block_length, n - first);
+    const T* x = source + first;
+    bool failed = false;
+    if constexpr (std::is_integral_v<T>) {
+      std::make_unsigned_t<T> fails = 0;  // as wide as the elements, so that the loop fills registers
+      for (mint i = 0; i < length; ++i) fails |= argument_failure<F>(x[i]) != VelorimError_success;
+      failed = fails != 0;
+    } else {
+      int fails = 0;
+      for (mint i = 0; i < length; ++i) fails |= argument_failure<F>(x[i]) != VelorimError_success;
+      failed = fails != 0;
+    }
+    if (failed) [[unlikely]]
+      return first + careful_run<F>(result + first, x, length);
+    values<F>(result + first, x, length);
+  }
+  return 0;
+}
+
+/// Whether every value of a block passes the result check.
+template <class T> bool all_finite(const T* y, mint n) {
+  using bits =
+      std::conditional_t<sizeof(T) == 8, uint64_t, std::conditional_t<sizeof(T) == 4, uint32_t, uint16_t>>;
+  bits bad = 0;
+  for (mint i = 0; i < n; ++i) bad |= static_cast<bits>(!is_finite_value(y[i]));
+  return bad == 0;
+}
+
+/// Checks that look at the result: a block is computed aside and copied out if it is clean. In a block that
+/// is not, what stands before the first failing value is stored.
+template <class F, class T> mint result_checked_run(T* result, const T* source, mint n) {
+  alignas(register_bytes) T block[block_length];
+  for (mint first = 0; first < n; first += block_length) {
+    const mint length = std::min(block_length, n - first);
+    values<F>(block, source + first, length);
+    mint clean = length;
+    if (!all_finite(block, length)) [[unlikely]] {
+      clean = std::find_if_not(block, block + length, [](T y) { return is_finite_value(y); }) - block;
+    }
+    std::memcpy(result + first, block, static_cast<size_t>(clean) * sizeof(T));
+    if (clean < length) return first + clean + 1;
+  }
+  return 0;
+}
+
+template <class F, class T> mint element_run(void* result, const void* source, mint n) {
+  auto* r = static_cast<result_of<F, T>*>(result);
+  const auto* x = static_cast<const T*>(source);
+  constexpr check obeys = class_of<F, T>::obeys;
+  if constexpr (obeys == check::plain) {
+    values<F>(r, x, n);
+    return 0;
+  } else if constexpr (checks_result<F, T>) {
+    return result_checked_run<F>(r, x, n);
+  } else {
+    return argument_checked_run<F>(r, x, n);
+  }
+}
+
+template <class F, class T> mint plain_run(void* result, const void* source, mint n) {
+  if constexpr (class_of<F, T>::obeys == check::always) {
+    return element_run<F, T>(result, source, n);
+  } else {
+    values<F>(static_cast<result_of<F, T>*>(result), static_cast<const T*>(source), n);
+    return 0;
+  }
+}
+
+}  // namespace vlm::machine_function

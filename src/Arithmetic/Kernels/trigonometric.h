@@ -1,0 +1,195 @@
+// Circular functions, their inverses, and what is made of them.
+#pragma once
+
+#include "Arithmetic/Kernels/definition.h"
+#include "Arithmetic/Kernels/vector_math.h"
+
+namespace vlm::machine_function {
+
+struct Sin {
+  static constexpr int32_t number = 1;
+  static constexpr char name[] = "sin";
+  static constexpr char return_range[] = "-RC";
+  struct on_reals : plain_real {
+    template <class T> static constexpr ordinary_range range() { return vm::sin.range<T>(); }
+    template <class V> static V value(V x) { return vm::sin(x); }
+  };
+};
+
+struct Cos {
+  static constexpr int32_t number = 2;
+  static constexpr char name[] = "cos";
+  static constexpr char return_range[] = "-RC";
+  struct on_reals : plain_real {
+    template <class T> static constexpr ordinary_range range() { return vm::cos.range<T>(); }
+    template <class V> static V value(V x) { return vm::cos(x); }
+  };
+};
+
+struct Tan {
+  static constexpr int32_t number = 3;
+  static constexpr char name[] = "tan";
+  static constexpr char return_range[] = "-RC";
+  struct on_reals : checked_real {
+    template <class T> static constexpr ordinary_range range() { return vm::tan.range<T>(); }
+    template <class V> static V value(V x) { return vm::tan(x); }
+  };
+};
+
+/// A reciprocal must not overflow inside the range: no argument below the smallest normal number.
+template <class T> constexpr ordinary_range above_subnormals(ordinary_range range) {
+  return {static_cast<double>(std::numeric_limits<T>::min()), range.high, true};
+}
+
+struct Csc {
+  static constexpr int32_t number = 5;
+  static constexpr char name[] = "csc";
+  static constexpr char return_range[] = "-RC";
+  struct on_reals : checked_real {
+    template <class T> static constexpr ordinary_range range() {
+      return above_subnormals<T>(vm::sin.range<T>());
+    }
+    template <class V> static V value(V x) { return broadcast<V>(1) / vm::sin(x); }
+  };
+};
+
+struct Sec {
+  static constexpr int32_t number = 6;
+  static constexpr char name[] = "sec";
+  static constexpr char return_range[] = "-RC";
+  struct on_reals : checked_real {
+    template <class T> static constexpr ordinary_range range() { return vm::cos.range<T>(); }
+    template <class V> static V value(V x) { return broadcast<V>(1) / vm::cos(x); }
+  };
+};
+
+struct Cot {
+  static constexpr int32_t number = 7;
+  static constexpr char name[] = "cot";
+  static constexpr char return_range[] = "-RC";
+  struct on_reals : checked_real {
+    template <class T> static constexpr ordinary_range range() {
+      return above_subnormals<T>(vm::tan.range<T>());
+    }
+    template <class V> static V value(V x) { return broadcast<V>(1) / vm::tan(x); }
+  };
+};
+
+struct Asin {
+  static constexpr int32_t number = 17;
+  static constexpr char name[] = "asin";
+  static constexpr char return_range[] = "-CC";
+  struct on_reals : checked_real {
+    template <class T> static constexpr ordinary_range range() { return vm::asin.range<T>(); }
+    template <class V> static V value(V x) { return vm::asin(x); }
+  };
+};
+
+struct Acos {
+  static constexpr int32_t number = 18;
+  static constexpr char name[] = "acos";
+  static constexpr char return_range[] = "-CC";
+  struct on_reals : checked_real {
+    template <class T> static constexpr ordinary_range range() { return vm::acos.range<T>(); }
+    template <class V> static V value(V x) { return vm::acos(x); }
+  };
+};
+
+struct Atan {
+  static constexpr int32_t number = 19;
+  static constexpr char name[] = "atan";
+  static constexpr char return_range[] = "-RC";
+  struct on_reals : plain_real {
+    template <class T> static constexpr ordinary_range range() { return vm::atan.range<T>(); }
+    template <class V> static V value(V x) { return vm::atan(x); }
+  };
+};
+
+struct Acsc {
+  static constexpr int32_t number = 21;
+  static constexpr char name[] = "acsc";
+  static constexpr char return_range[] = "-CC";
+  struct on_reals : checked_real {
+    template <class T> static constexpr ordinary_range range() {
+      return {1, std::numeric_limits<T>::max() / 8, true};
+    }
+    template <class V> static V value(V x) { return vm::asin(broadcast<V>(1) / x); }
+  };
+};
+
+struct Asec {
+  static constexpr int32_t number = 22;
+  static constexpr char name[] = "asec";
+  static constexpr char return_range[] = "-CC";
+  struct on_reals : checked_real {
+    template <class T> static constexpr ordinary_range range() {
+      return {1, std::numeric_limits<T>::max() / 8, true};
+    }
+    template <class V> static V value(V x) { return vm::acos(broadcast<V>(1) / x); }
+  };
+};
+
+struct Acot {
+  static constexpr int32_t number = 23;
+  static constexpr char name[] = "acot";
+  static constexpr char return_range[] = "-RC";
+  struct on_reals : checked_real {
+    template <class T> static constexpr ordinary_range range() {
+      return {1 / vm::atan.range<T>().high, vm::atan.range<T>().high, true};
+    }
+    /// Pi / 2 at either zero.
+    template <class V> static V value(V x) {
+      if constexpr (!is_register<V>) {
+        if (x == 0) return static_cast<V>(1.5707963267948966);
+      }
+      return vm::atan(broadcast<V>(1) / x);
+    }
+  };
+};
+
+struct Sinc {
+  static constexpr int32_t number = 67;
+  static constexpr char name[] = "sinc";
+  static constexpr char return_range[] = "-RC";
+  struct on_reals : checked_real {
+    template <class T> static constexpr ordinary_range range() {
+      return above_subnormals<T>(vm::sin.range<T>());
+    }
+    template <class V> static V value(V x) {
+      if constexpr (!is_register<V>) {
+        if (x == 0) return 1;
+      }
+      return vm::sin(x) / x;
+    }
+  };
+};
+
+/// sin^2(x / 2).
+struct Haversine {
+  static constexpr int32_t number = 72;
+  static constexpr char name[] = "haversine";
+  static constexpr char return_range[] = "-RC";
+  struct on_reals : checked_real {
+    template <class T> static constexpr ordinary_range range() { return vm::sin.range<T>(); }
+    template <class V> static V value(V x) {
+      const V s = vm::sin(x / broadcast<V>(2));
+      return s * s;
+    }
+  };
+};
+
+/// 2 asin(sqrt(x)).
+struct InverseHaversine {
+  static constexpr int32_t number = 73;
+  static constexpr char name[] = "inversehaversine";
+  static constexpr char return_range[] = "-CC";
+  struct on_reals : checked_real {
+    template <class T> static constexpr ordinary_range range() { return {0, 1, false}; }
+    template <class V> static V value(V x) { return broadcast<V>(2) * vm::asin(square_root(x)); }
+  };
+};
+
+using trigonometric_functions = function_list<Sin, Cos, Tan, Csc, Sec, Cot, Asin, Acos, Atan, Acsc, Asec,
+                                              Acot, Sinc, Haversine, InverseHaversine>;
+
+}  // namespace vlm::machine_function

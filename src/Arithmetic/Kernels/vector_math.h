@@ -1,0 +1,279 @@
+// The elementary functions that the kernels are built from, in namespace vlm::vm: vm::exp(x), vm::sin(x), ...
+// for a number (double, float) or for a register of them.
+//
+// Each has one form for its ordinary range, the same for one lane and for many, and one for every other
+// argument:
+//   inside the range  the library's own body (elementary/) or a deterministic form of SLEEF, which gives the
+//   same bits on any
+//                     register width; both stay within 1.0 ulp;
+//   outside           the C library's function, which knows every special case and raises exactly the flags
+//   it should. Where
+//                     that one is less accurate than 1.0 ulp the next wider type is evaluated and rounded.
+// On a number the choice is made here, with the stray flags of the first form set aside. On a register the
+// caller makes sure that all lanes that it keeps are inside range<T>(), and sets the flags aside once for a
+// whole run (runs.h).
+#pragma once
+
+#include <sleef.h>
+
+#include <cmath>
+#include <limits>
+
+#include "Arithmetic/Kernels/definition.h"
+#include "Arithmetic/Kernels/elementary/elementary.h"
+#include "Includes/fp_environment.h"
+
+namespace vlm::vm {
+
+using machine_function::ordinary_range;
+
+// SLEEF's names end in the register and the instruction set. Its forms for one lane and for a register agree
+// bit for bit when both use fused multiply-add (finz) or both do not (cinz).
+#if defined(VELORIM_LANES_AVX512)
+#define VELORIM_SLEEF_NAMES(F, U)                                                                      \
+  Sleef_finz_##F##d1_##U##purecfma, Sleef_finz_##F##d8_##U##avx512f, Sleef_finz_##F##f1_##U##purecfma, \
+      Sleef_finz_##F##f16_##U##avx512f
+using sleef_real64 = __m512d;
+using sleef_real32 = __m512;
+#elif defined(VELORIM_LANES_AVX2)
+#define VELORIM_SLEEF_NAMES(F, U)                                                                   \
+  Sleef_finz_##F##d1_##U##purecfma, Sleef_finz_##F##d4_##U##avx2, Sleef_finz_##F##f1_##U##purecfma, \
+      Sleef_finz_##F##f8_##U##avx2
+using sleef_real64 = __m256d;
+using sleef_real32 = __m256;
+#elif defined(VELORIM_LANES_NEON)
+#define VELORIM_SLEEF_NAMES(F, U)                                                                      \
+  Sleef_finz_##F##d1_##U##purecfma, Sleef_finz_##F##d2_##U##advsimd, Sleef_finz_##F##f1_##U##purecfma, \
+      Sleef_finz_##F##f4_##U##advsimd
+using sleef_real64 = float64x2_t;
+using sleef_real32 = float32x4_t;
+#else
+#define VELORIM_SLEEF_NAMES(F, U)                                                             \
+  Sleef_cinz_##F##d1_##U##purec, Sleef_cinz_##F##d2_##U##sse2, Sleef_cinz_##F##f1_##U##purec, \
+      Sleef_cinz_##F##f4_##U##sse2
+using sleef_real64 = __m128d;
+using sleef_real32 = __m128;
+#endif
+
+/// SLEEF's four forms of one function as one overload set.
+template <auto Real64, auto Real64Lanes, auto Real32, auto Real32Lanes> struct sleef {
+  static double body(double x) { return Real64(x); }
+  static float body(float x) { return Real32(x); }
+  static real64_lanes body(real64_lanes x) { return (real64_lanes)Real64Lanes((sleef_real64)x); }
+  static real32_lanes body(real32_lanes x) { return (real32_lanes)Real32Lanes((sleef_real32)x); }
+};
+
+/// f evaluated in the next wider type and rounded to the type of x, so within little more than half an ulp.
+template <class T, class F> inline T in_wider_type(F f, T x) {
+  using wider = std::conditional_t<std::is_same_v<T, float>, double, long double>;
+  return static_cast<T>(f(static_cast<wider>(x)));
+}
+
+/// An elementary function made of its two forms: Form::body inside Form::range<T>(), Form::outside elsewhere.
+template <class Form> struct elementary_function {
+  template <class T> static constexpr ordinary_range range() { return Form::template range<T>(); }
+  template <class V> V operator()(V x) const {
+    if constexpr (is_register<V>) {
+      return Form::body(x);
+    } else {
+      if (!in_range(range<V>(), x)) return Form::outside(x);
+      fp::quiet_section quiet;
+      V y = Form::body(fp::fence(x));
+      return fp::fence(y);
+    }
+  }
+};
+
+namespace form {
+
+/// Chooses the range by element type.
+template <class T> constexpr ordinary_range by_type(ordinary_range real64, ordinary_range real32) {
+  return std::is_same_v<T, double> ? real64 : real32;
+}
+inline constexpr double least64 = 0x1p-1022, most64 = 0x1.fffffffffffffp1023;
+inline constexpr double least32 = 0x1p-126, most32 = 0x1.fffffep127;
+
+struct exp : sleef<VELORIM_SLEEF_NAMES(exp, u10)> {
+  template <class T> static constexpr ordinary_range range() {
+    return by_type<T>({-708, 709, false}, {-87, 88, false});
+  }
+  template <class T> static T outside(T x) { return std::exp(x); }
+};
+struct expm1 : sleef<VELORIM_SLEEF_NAMES(expm1, u10)> {
+  template <class T> static constexpr ordinary_range range() {
+    return by_type<T>({-700, 709, false}, {-80, 88, false});
+  }
+  template <class T> static T outside(T x) {
+    return in_wider_type([](auto w) { return std::expm1(w); }, x);
+  }
+};
+struct log : sleef<VELORIM_SLEEF_NAMES(log, u10)> {
+  template <class T> static constexpr ordinary_range range() {
+    return by_type<T>({least64, most64, false}, {least32, most32, false});
+  }
+  template <class T> static T outside(T x) { return std::log(x); }
+};
+struct log1p : sleef<VELORIM_SLEEF_NAMES(log1p, u10)> {
+  template <class T> static constexpr ordinary_range range() {
+    return by_type<T>({-0x1.fffffffffffffp-1, 1e300, false}, {-0x1.fffffep-1, 1e35, false});
+  }
+  template <class T> static T outside(T x) {
+    return in_wider_type([](auto w) { return std::log1p(w); }, x);
+  }
+};
+struct log2 : sleef<VELORIM_SLEEF_NAMES(log2, u10)> {
+  template <class T> static constexpr ordinary_range range() { return log::range<T>(); }
+  template <class T> static T outside(T x) { return std::log2(x); }
+};
+struct log10 : sleef<VELORIM_SLEEF_NAMES(log10, u10)> {
+  template <class T> static constexpr ordinary_range range() { return log::range<T>(); }
+  template <class T> static T outside(T x) {
+    return in_wider_type([](auto w) { return std::log10(w); }, x);
+  }
+};
+struct sin : sleef<VELORIM_SLEEF_NAMES(sin, u10)> {
+  template <class T> static constexpr ordinary_range range() {
+    return by_type<T>({0, 1e9, true}, {0, 1e5, true});
+  }
+  template <class T> static T outside(T x) { return std::sin(x); }
+};
+struct cos : sleef<VELORIM_SLEEF_NAMES(cos, u10)> {
+  template <class T> static constexpr ordinary_range range() { return sin::range<T>(); }
+  template <class T> static T outside(T x) { return std::cos(x); }
+};
+struct tan : sleef<VELORIM_SLEEF_NAMES(tan, u10)> {
+  template <class T> static constexpr ordinary_range range() { return sin::range<T>(); }
+  template <class T> static T outside(T x) { return std::tan(x); }
+};
+struct sinh : sleef<VELORIM_SLEEF_NAMES(sinh, u10)> {
+  template <class T> static constexpr ordinary_range range() {
+    return by_type<T>({0, 709, true}, {0, 88, true});
+  }
+  template <class T> static T outside(T x) {
+    return in_wider_type([](auto w) { return std::sinh(w); }, x);
+  }
+};
+struct cosh : sleef<VELORIM_SLEEF_NAMES(cosh, u10)> {
+  template <class T> static constexpr ordinary_range range() { return sinh::range<T>(); }
+  template <class T> static T outside(T x) {
+    return in_wider_type([](auto w) { return std::cosh(w); }, x);
+  }
+};
+struct tanh : sleef<VELORIM_SLEEF_NAMES(tanh, u10)> {
+  template <class T> static constexpr ordinary_range range() {
+    return by_type<T>({0, 700, true}, {0, 80, true});
+  }
+  template <class T> static T outside(T x) {
+    return in_wider_type([](auto w) { return std::tanh(w); }, x);
+  }
+};
+struct asin : sleef<VELORIM_SLEEF_NAMES(asin, u10)> {
+  template <class T> static constexpr ordinary_range range() { return {0, 1, true}; }
+  template <class T> static T outside(T x) { return std::asin(x); }
+};
+struct acos : sleef<VELORIM_SLEEF_NAMES(acos, u10)> {
+  template <class T> static constexpr ordinary_range range() { return {0, 1, true}; }
+  template <class T> static T outside(T x) { return std::acos(x); }
+};
+struct atan : sleef<VELORIM_SLEEF_NAMES(atan, u10)> {
+  template <class T> static constexpr ordinary_range range() {
+    return by_type<T>({0, 1e300, true}, {0, 1e35, true});
+  }
+  template <class T> static T outside(T x) { return std::atan(x); }
+};
+struct asinh : sleef<VELORIM_SLEEF_NAMES(asinh, u10)> {
+  template <class T> static constexpr ordinary_range range() {
+    return by_type<T>({0, 1e150, true}, {0, 1e18, true});
+  }
+  template <class T> static T outside(T x) {
+    return in_wider_type([](auto w) { return std::asinh(w); }, x);
+  }
+};
+struct acosh : sleef<VELORIM_SLEEF_NAMES(acosh, u10)> {
+  template <class T> static constexpr ordinary_range range() {
+    return by_type<T>({1, 1e150, false}, {1, 1e18, false});
+  }
+  template <class T> static T outside(T x) {
+    return in_wider_type([](auto w) { return std::acosh(w); }, x);
+  }
+};
+struct atanh : sleef<VELORIM_SLEEF_NAMES(atanh, u10)> {
+  template <class T> static constexpr ordinary_range range() {
+    return by_type<T>({0, 0x1.fffffffffffffp-1, true}, {0, 0x1.fffffep-1, true});
+  }
+  template <class T> static T outside(T x) {
+    return in_wider_type([](auto w) { return std::atanh(w); }, x);
+  }
+};
+struct cbrt : sleef<VELORIM_SLEEF_NAMES(cbrt, u10)> {
+  template <class T> static constexpr ordinary_range range() {
+    return by_type<T>({least64, most64, true}, {least32, most32, true});
+  }
+  template <class T> static T outside(T x) {
+    return in_wider_type([](auto w) { return std::cbrt(w); }, x);
+  }
+};
+struct erf : sleef<VELORIM_SLEEF_NAMES(erf, u10)> {
+  template <class T> static constexpr ordinary_range range() {
+    return by_type<T>({0, 100, true}, {0, 50, true});
+  }
+  template <class T> static T outside(T x) {
+    return in_wider_type([](auto w) { return std::erf(w); }, x);
+  }
+};
+struct tgamma : sleef<VELORIM_SLEEF_NAMES(tgamma, u10)> {
+  template <class T> static constexpr ordinary_range range() {
+    return by_type<T>({0x1p-500, 171, false}, {0x1p-60, 34, false});
+  }
+  template <class T> static T outside(T x) {
+    return in_wider_type([](auto w) { return std::tgamma(w); }, x);
+  }
+};
+struct lgamma : sleef<VELORIM_SLEEF_NAMES(lgamma, u10)> {
+  template <class T> static constexpr ordinary_range range() {
+    return by_type<T>({0x1p-500, 1e300, false}, {0x1p-60, 1e34, false});
+  }
+  static double outside(double x) {
+    int sign;
+    return static_cast<double>(lgammal_r(x, &sign));
+  }
+  static float outside(float x) {
+    int sign;
+    return static_cast<float>(lgamma_r(x, &sign));
+  }
+};
+
+}  // namespace form
+
+inline constexpr elementary_function<form::exp> exp;
+inline constexpr elementary_function<form::expm1> expm1;
+inline constexpr elementary_function<form::log> log;
+inline constexpr elementary_function<form::log1p> log1p;
+inline constexpr elementary_function<form::log2> log2;
+inline constexpr elementary_function<form::log10> log10;
+inline constexpr elementary_function<form::sin> sin;
+inline constexpr elementary_function<form::cos> cos;
+inline constexpr elementary_function<form::tan> tan;
+inline constexpr elementary_function<form::sinh> sinh;
+inline constexpr elementary_function<form::cosh> cosh;
+inline constexpr elementary_function<form::tanh> tanh;
+inline constexpr elementary_function<form::asin> asin;
+inline constexpr elementary_function<form::acos> acos;
+inline constexpr elementary_function<form::atan> atan;
+inline constexpr elementary_function<form::asinh> asinh;
+inline constexpr elementary_function<form::acosh> acosh;
+inline constexpr elementary_function<form::atanh> atanh;
+inline constexpr elementary_function<form::cbrt> cbrt;
+inline constexpr elementary_function<form::erf> erf;
+inline constexpr elementary_function<form::tgamma> tgamma;
+inline constexpr elementary_function<form::lgamma> lgamma;
+
+/// erfc, one number at a time in the next wider type: no register form that was at hand stays within 1.0 ulp.
+template <class T> inline T erfc(T x) {
+  return in_wider_type([](auto w) { return std::erfc(w); }, x);
+}
+
+/// b^x for a fixed base above 1.
+template <class T> inline T power(T base, T x) { return std::pow(base, x); }
+
+}  // namespace vlm::vm
