@@ -1,0 +1,49 @@
+#include "Includes/real16.h"
+
+namespace vlm {
+namespace {
+
+constinit thread_local uint32_t flag_word = 0;
+
+void raise_inexact() noexcept {
+  // An inexact sum raises the exception some ten times faster than feraiseexcept, and nearly every operation
+  // is inexact.
+  volatile double one = 1.0;
+  volatile double sum = one + 0x1p-60;
+  static_cast<void>(sum);
+}
+
+}  // namespace
+
+uint32_t real16_flag_word() noexcept { return flag_word; }
+void clear_real16_flag_word() noexcept { flag_word = 0; }
+
+void signal_real16(uint32_t signals) noexcept {
+  flag_word |= signals;
+  if (signals & real16_inexact) raise_inexact();
+  if ((signals & ~uint32_t{real16_inexact}) == 0) [[likely]]
+    return;
+
+  int exceptions = 0;
+  if (signals & real16_invalid) exceptions |= FE_INVALID;
+  if (signals & real16_divide_by_zero) exceptions |= FE_DIVBYZERO;
+  if (signals & real16_overflow) exceptions |= FE_OVERFLOW;
+  if (signals & real16_underflow) exceptions |= FE_UNDERFLOW;
+  std::feraiseexcept(exceptions);
+  errno = (signals & real16_invalid) ? EDOM : ERANGE;
+}
+
+real16 real16_format::conclude(double y, int raised) noexcept {
+  auto [value, signals] = round(y);
+  if (raised & FE_INVALID) signals |= real16_invalid;
+  if (raised & FE_DIVBYZERO) signals |= real16_divide_by_zero;
+  if (raised & FE_INEXACT) signals |= real16_inexact;
+  // Overflow in double counts if it reached the value. A zero that came by way of an underflow, or by way of
+  // an infinity that was an overflow, stands for a number below all halves.
+  if ((raised & FE_OVERFLOW) && std::isinf(y)) signals |= real16_overflow | real16_inexact;
+  if ((raised & (FE_OVERFLOW | FE_UNDERFLOW)) && y == 0.0) signals |= real16_underflow | real16_inexact;
+  if (signals != 0) signal_real16(signals);
+  return value;
+}
+
+}  // namespace vlm
