@@ -51,7 +51,10 @@ struct Csch {
     }
     template <class V> static V value(V x) {
       if constexpr (!is_register<V>) {
-        if (__builtin_isgreater(magnitude(x), reciprocal_hyperbolic_limit<V>)) return 0;
+        if (__builtin_isgreater(magnitude(x), V(vm::sinh.range<V>().high))) {
+          const V r = small_reciprocal(x);
+          return r == 0 ? r : with_sign_of(r, x);
+        }
       }
       return broadcast<V>(1) / vm::sinh(x);
     }
@@ -66,7 +69,7 @@ struct Sech {
     template <class T> static constexpr ordinary_range range() { return vm::cosh.range<T>(); }
     template <class V> static V value(V x) {
       if constexpr (!is_register<V>) {
-        if (__builtin_isgreater(magnitude(x), reciprocal_hyperbolic_limit<V>)) return 0;
+        if (__builtin_isgreater(magnitude(x), V(vm::cosh.range<V>().high))) return small_reciprocal(x);
       }
       return broadcast<V>(1) / vm::cosh(x);
     }

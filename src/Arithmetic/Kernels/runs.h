@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 #include <type_traits>
 
 #include "Arithmetic/Kernels/definition.h"
@@ -130,20 +131,21 @@ template <class C, class T> void ordinary_range_values(T* result, const T* sourc
   using V = register_of<T>;
   constexpr mint width = lanes_of<V>::count;
   constexpr ordinary_range range = C::template range<T>();
-  fp::quiet_section quiet;
+  std::optional<fp::quiet_section> quiet(std::in_place);
   const auto one_register = [&](V x, auto write) {
     const auto inside = in_range(range, x);
     V y = C::value(x);
     if (any_lane(~inside)) [[unlikely]] {
       T special[width], ordinary[width];
+      fp::pin(y);
       store(special, x);
       store(ordinary, y);
-      quiet.restore();
+      quiet.reset();
       for (mint lane = 0; lane < width; ++lane) {
         if (!inside[lane]) ordinary[lane] = C::value(special[lane]);
       }
       y = load<V>(ordinary);
-      quiet.resume();
+      quiet.emplace();
     }
     write(y);
   };
