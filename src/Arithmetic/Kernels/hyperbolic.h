@@ -36,10 +36,12 @@ struct Tanh {
   };
 };
 
-/// From here on 1 / sinh and 1 / cosh are 0 in the type, and sinh and cosh themselves overflow.
-template <class T>
-inline constexpr T reciprocal_hyperbolic_limit = std::is_same_v<T, float> ? T(89.76256)
-                                                                          : T(710.8224336642239);
+/// 1 / sinh|x| and 1 / cosh(x) where sinh and cosh overflow or are about to: 2 e^-|x|, and 0 beyond a limit.
+template <class T> T small_reciprocal(T x) {
+  constexpr T limit = std::is_same_v<T, float> ? T(89.76256) : T(710.8224336642239);
+  const T m = magnitude(x);
+  return m > limit ? T(0) : T(2) * vm::exp(-m);
+}
 
 struct Csch {
   static constexpr int32_t number = 13;

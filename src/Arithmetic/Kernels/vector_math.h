@@ -145,139 +145,140 @@ struct cos : sleef<VELORIM_SLEEF_NAMES(cos, u10)> {
 struct tan : sleef<VELORIM_SLEEF_NAMES(tan, u10)> {
   template <class T> static constexpr ordinary_range range() {
     return by_type<T>({least64, 1e9, true, true}, {least32, 1e5, true, true});
-    template <class T> static T outside(T x) { return std::tan(x); }
-  };
-  struct sinh : sleef<VELORIM_SLEEF_NAMES(sinh, u10)> {
-    template <class T> static constexpr ordinary_range range() {
-      return by_type<T>({0, 709, true}, {0x1p-12, 88, true, true});
-    }
-    template <class T> static T outside(T x) {
-      return in_wider_type([](auto w) { return std::sinh(w); }, x);
-    }
-  };
-  struct cosh : sleef<VELORIM_SLEEF_NAMES(cosh, u10)> {
-    template <class T> static constexpr ordinary_range range() {
-      return by_type<T>({0, 709, true}, {0, 88, true});
-      template <class T> static T outside(T x) {
-        return in_wider_type([](auto w) { return std::cosh(w); }, x);
-      }
-    };
-    struct tanh : sleef<VELORIM_SLEEF_NAMES(tanh, u10)> {
-      template <class T> static constexpr ordinary_range range() {
-        return by_type<T>({0, 700, true}, {0x1p-12, 80, true, true});
-      }
-      template <class T> static T outside(T x) {
-        return in_wider_type([](auto w) { return std::tanh(w); }, x);
-      }
-    };
-    struct asin : sleef<VELORIM_SLEEF_NAMES(asin, u10)> {
-      template <class T> static constexpr ordinary_range range() { return {0, 1, true}; }
-      template <class T> static T outside(T x) { return std::asin(x); }
-    };
-    struct acos : sleef<VELORIM_SLEEF_NAMES(acos, u10)> {
-      template <class T> static constexpr ordinary_range range() { return {0, 1, true}; }
-      template <class T> static T outside(T x) { return std::acos(x); }
-    };
-    struct atan : sleef<VELORIM_SLEEF_NAMES(atan, u10)> {
-      template <class T> static constexpr ordinary_range range() {
-        return by_type<T>({0, 1e300, true}, {0, 1e35, true});
-      }
-      template <class T> static T outside(T x) { return std::atan(x); }
-    };
-    struct asinh : sleef<VELORIM_SLEEF_NAMES(asinh, u10)> {
-      template <class T> static constexpr ordinary_range range() {
-        return by_type<T>({least64, 1e150, true, true}, {least32, 1e18, true, true});
-      }
-      template <class T> static T outside(T x) {
-        return in_wider_type([](auto w) { return std::asinh(w); }, x);
-      }
-    };
-    struct acosh : sleef<VELORIM_SLEEF_NAMES(acosh, u10)> {
-      template <class T> static constexpr ordinary_range range() {
-        return by_type<T>({1, 1e150, false}, {1, 1e18, false});
-      }
-      template <class T> static T outside(T x) {
-        return in_wider_type([](auto w) { return std::acosh(w); }, x);
-      }
-    };
-    struct atanh : sleef<VELORIM_SLEEF_NAMES(atanh, u10)> {
-      template <class T> static constexpr ordinary_range range() {
-        return by_type<T>({0, 0x1.fffffffffffffp-1, true}, {0x1p-12, 0x1.fffffep-1, true, true});
-      }
-      template <class T> static T outside(T x) {
-        return in_wider_type([](auto w) { return std::atanh(w); }, x);
-      }
-    };
-    struct cbrt : sleef<VELORIM_SLEEF_NAMES(cbrt, u10)> {
-      template <class T> static constexpr ordinary_range range() {
-        return by_type<T>({least64, most64, true}, {least32, most32, true});
-      }
-      template <class T> static T outside(T x) {
-        return in_wider_type([](auto w) { return std::cbrt(w); }, x);
-      }
-    };
-    struct erf : sleef<VELORIM_SLEEF_NAMES(erf, u10)> {
-      template <class T> static constexpr ordinary_range range() {
-        return by_type<T>({0, 100, true}, {0, 50, true});
-      }
-      template <class T> static T outside(T x) {
-        return in_wider_type([](auto w) { return std::erf(w); }, x);
-      }
-    };
-    struct tgamma : sleef<VELORIM_SLEEF_NAMES(tgamma, u10)> {
-      template <class T> static constexpr ordinary_range range() {
-        return by_type<T>({0x1p-500, 171, false}, {0x1p-60, 34, false});
-      }
-      template <class T> static T outside(T x) {
-        return in_wider_type([](auto w) { return std::tgamma(w); }, x);
-      }
-    };
-    struct lgamma : sleef<VELORIM_SLEEF_NAMES(lgamma, u10)> {
-      template <class T> static constexpr ordinary_range range() {
-        return by_type<T>({0x1p-500, 1e300, false}, {0x1p-60, 1e34, false});
-      }
-      static double outside(double x) {
-        int sign;
-        return static_cast<double>(lgammal_r(x, &sign));
-      }
-      static float outside(float x) {
-        int sign;
-        return static_cast<float>(lgamma_r(x, &sign));
-      }
-    };
-
-  }  // namespace form
-
-  inline constexpr elementary_function<form::exp>
-      exp;
-  inline constexpr elementary_function<form::expm1> expm1;
-  inline constexpr elementary_function<form::log> log;
-  inline constexpr elementary_function<form::log1p> log1p;
-  inline constexpr elementary_function<form::log2> log2;
-  inline constexpr elementary_function<form::log10> log10;
-  inline constexpr elementary_function<form::sin> sin;
-  inline constexpr elementary_function<form::cos> cos;
-  inline constexpr elementary_function<form::tan> tan;
-  inline constexpr elementary_function<form::sinh> sinh;
-  inline constexpr elementary_function<form::cosh> cosh;
-  inline constexpr elementary_function<form::tanh> tanh;
-  inline constexpr elementary_function<form::asin> asin;
-  inline constexpr elementary_function<form::acos> acos;
-  inline constexpr elementary_function<form::atan> atan;
-  inline constexpr elementary_function<form::asinh> asinh;
-  inline constexpr elementary_function<form::acosh> acosh;
-  inline constexpr elementary_function<form::atanh> atanh;
-  inline constexpr elementary_function<form::cbrt> cbrt;
-  inline constexpr elementary_function<form::erf> erf;
-  inline constexpr elementary_function<form::tgamma> tgamma;
-  inline constexpr elementary_function<form::lgamma> lgamma;
-
-  /// erfc, one number at a time in the next wider type: no register form that was at hand stays within 1.0 ulp.
-  template <class T> inline T erfc(T x) {
-    return in_wider_type([](auto w) { return std::erfc(w); }, x);
   }
+  template <class T> static T outside(T x) { return std::tan(x); }
+};
+struct sinh : sleef<VELORIM_SLEEF_NAMES(sinh, u10)> {
+  template <class T> static constexpr ordinary_range range() {
+    return by_type<T>({0, 709, true}, {0x1p-12, 88, true, true});
+  }
+  template <class T> static T outside(T x) {
+    return in_wider_type([](auto w) { return std::sinh(w); }, x);
+  }
+};
+struct cosh : sleef<VELORIM_SLEEF_NAMES(cosh, u10)> {
+  template <class T> static constexpr ordinary_range range() {
+    return by_type<T>({0, 709, true}, {0, 88, true});
+  }
+  template <class T> static T outside(T x) {
+    return in_wider_type([](auto w) { return std::cosh(w); }, x);
+  }
+};
+struct tanh : sleef<VELORIM_SLEEF_NAMES(tanh, u10)> {
+  template <class T> static constexpr ordinary_range range() {
+    return by_type<T>({0, 700, true}, {0x1p-12, 80, true, true});
+  }
+  template <class T> static T outside(T x) {
+    return in_wider_type([](auto w) { return std::tanh(w); }, x);
+  }
+};
+struct asin : sleef<VELORIM_SLEEF_NAMES(asin, u10)> {
+  template <class T> static constexpr ordinary_range range() { return {0, 1, true}; }
+  template <class T> static T outside(T x) { return std::asin(x); }
+};
+struct acos : sleef<VELORIM_SLEEF_NAMES(acos, u10)> {
+  template <class T> static constexpr ordinary_range range() { return {0, 1, true}; }
+  template <class T> static T outside(T x) { return std::acos(x); }
+};
+struct atan : sleef<VELORIM_SLEEF_NAMES(atan, u10)> {
+  template <class T> static constexpr ordinary_range range() {
+    return by_type<T>({0, 1e300, true}, {0, 1e35, true});
+  }
+  template <class T> static T outside(T x) { return std::atan(x); }
+};
+struct asinh : sleef<VELORIM_SLEEF_NAMES(asinh, u10)> {
+  template <class T> static constexpr ordinary_range range() {
+    return by_type<T>({least64, 1e150, true, true}, {least32, 1e18, true, true});
+  }
+  template <class T> static T outside(T x) {
+    return in_wider_type([](auto w) { return std::asinh(w); }, x);
+  }
+};
+struct acosh : sleef<VELORIM_SLEEF_NAMES(acosh, u10)> {
+  template <class T> static constexpr ordinary_range range() {
+    return by_type<T>({1, 1e150, false}, {1, 1e18, false});
+  }
+  template <class T> static T outside(T x) {
+    return in_wider_type([](auto w) { return std::acosh(w); }, x);
+  }
+};
+struct atanh : sleef<VELORIM_SLEEF_NAMES(atanh, u10)> {
+  template <class T> static constexpr ordinary_range range() {
+    return by_type<T>({0, 0x1.fffffffffffffp-1, true}, {0x1p-12, 0x1.fffffep-1, true, true});
+  }
+  template <class T> static T outside(T x) {
+    return in_wider_type([](auto w) { return std::atanh(w); }, x);
+  }
+};
+struct cbrt : sleef<VELORIM_SLEEF_NAMES(cbrt, u10)> {
+  template <class T> static constexpr ordinary_range range() {
+    return by_type<T>({least64, most64, true}, {least32, most32, true});
+  }
+  template <class T> static T outside(T x) {
+    return in_wider_type([](auto w) { return std::cbrt(w); }, x);
+  }
+};
+struct erf : sleef<VELORIM_SLEEF_NAMES(erf, u10)> {
+  template <class T> static constexpr ordinary_range range() {
+    return by_type<T>({0, 100, true}, {0, 50, true});
+  }
+  template <class T> static T outside(T x) {
+    return in_wider_type([](auto w) { return std::erf(w); }, x);
+  }
+};
+struct tgamma : sleef<VELORIM_SLEEF_NAMES(tgamma, u10)> {
+  template <class T> static constexpr ordinary_range range() {
+    return by_type<T>({0x1p-500, 171, false}, {0x1p-60, 34, false});
+  }
+  template <class T> static T outside(T x) {
+    return in_wider_type([](auto w) { return std::tgamma(w); }, x);
+  }
+};
+struct lgamma : sleef<VELORIM_SLEEF_NAMES(lgamma, u10)> {
+  template <class T> static constexpr ordinary_range range() {
+    return by_type<T>({0x1p-500, 1e300, false}, {0x1p-60, 1e34, false});
+  }
+  static double outside(double x) {
+    int sign;
+    return static_cast<double>(lgammal_r(x, &sign));
+  }
+  static float outside(float x) {
+    int sign;
+    return static_cast<float>(lgamma_r(x, &sign));
+  }
+};
 
-  /// b^x for a fixed base above 1.
-  template <class T> inline T power(T base, T x) { return std::pow(base, x); }
+}  // namespace form
+
+inline constexpr elementary_function<form::exp> exp;
+inline constexpr elementary_function<form::expm1> expm1;
+inline constexpr elementary_function<form::log> log;
+inline constexpr elementary_function<form::log1p> log1p;
+inline constexpr elementary_function<form::log2> log2;
+inline constexpr elementary_function<form::log10> log10;
+inline constexpr elementary_function<form::sin> sin;
+inline constexpr elementary_function<form::cos> cos;
+inline constexpr elementary_function<form::tan> tan;
+inline constexpr elementary_function<form::sinh> sinh;
+inline constexpr elementary_function<form::cosh> cosh;
+inline constexpr elementary_function<form::tanh> tanh;
+inline constexpr elementary_function<form::asin> asin;
+inline constexpr elementary_function<form::acos> acos;
+inline constexpr elementary_function<form::atan> atan;
+inline constexpr elementary_function<form::asinh> asinh;
+inline constexpr elementary_function<form::acosh> acosh;
+inline constexpr elementary_function<form::atanh> atanh;
+inline constexpr elementary_function<form::cbrt> cbrt;
+inline constexpr elementary_function<form::erf> erf;
+inline constexpr elementary_function<form::tgamma> tgamma;
+inline constexpr elementary_function<form::lgamma> lgamma;
+
+/// erfc, one number at a time in the next wider type: no register form that was at hand stays within 1.0 ulp.
+template <class T> inline T erfc(T x) {
+  return in_wider_type([](auto w) { return std::erfc(w); }, x);
+}
+
+/// b^x for a fixed base above 1.
+template <class T> inline T power(T base, T x) { return std::pow(base, x); }
 
 }  // namespace vlm::vm
