@@ -1,0 +1,89 @@
+// The engine beneath the allocation interface: where blocks come from and how they find their way back. The
+// files above it know requests, failure modes, limits and queries; the engine knows heaps and blocks. This
+// header is all that they share.
+//
+// A heap belongs to one thread, which alone takes blocks from it and writes its accounts. A block that
+// another thread frees waits in its heap, still counted, until the owner takes it back in a later call that
+// works on the same size class, or until compact() does. When a thread ends, its heap goes at once if no
+// block of it lives; otherwise it is orphaned, and whoever frees its last block ends it.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+
+#include "velorim/memory.h"
+
+namespace vlm::memory {
+
+/// A counter that one thread writes and any thread may read. Not a shared sum: add is no atomic
+/// read-modify-write.
+class OwnerCounter {
+ public:
+  constexpr OwnerCounter(uint64_t value = 0) : value_(value) {}
+  uint64_t get() const { return value_.load(std::memory_order_relaxed); }
+  void set(uint64_t value) { value_.store(value, std::memory_order_relaxed); }
+  void add(uint64_t amount) { set(get() + amount); }
+  void subtract(uint64_t amount) { set(get() - amount); }
+  void raise_to(uint64_t value) {
+    if (value > get()) set(value);
+  }
+
+ private:
+  std::atomic<uint64_t> value_;
+};
+
+/// The accounts of a heap. in_use starts at the size of the heap's record and is kept by the engine; the rest
+/// is the interface's.
+struct HeapAccounts {
+  OwnerCounter in_use;
+  OwnerCounter peak;
+  OwnerCounter limit;
+  int64_t thread_id = 0;
+};
+
+/// Bytes freed by other threads that wait in a heap.
+struct PendingBytes {
+  uint64_t small = 0;
+  uint64_t large = 0;
+};
+
+/// The calling thread's heap, made with the root if need be; null if the system allocator fails.
+HeapAccounts* current_heap();
+
+/// A block for a rounded request (size_classes.h) from the calling thread's heap, counted in in_use; null if
+/// the system has no more or system_allocation_limit forbids it.
+void* take_block(HeapAccounts& heap, uint64_t rounded, bool aligned);
+/// Gives back a block of any heap; never makes a heap.
+void give_block(void* block);
+/// The bytes of a block that are its caller's.
+uint64_t usable_bytes(const void* block);
+
+/// The root; null while the allocator is unused.
+HeapRoot* heap_root();
+/// Makes the root if it is absent; null if the system allocator fails.
+HeapRoot* ensure_heap_root();
+/// Gives up the memory that the root keeps in reserve for the last message of the process.
+void release_reserve();
+
+/// The number of heaps, and a visit to each of them, newest first, under the lock of the list.
+using HeapVisitor = void (*)(const HeapAccounts& heap, PendingBytes pending, void* context);
+/// Holds the list of heaps still while it lives.
+class HeapListLock {
+ public:
+  HeapListLock();
+  ~HeapListLock();
+  HeapListLock(const HeapListLock&) = delete;
+  HeapListLock& operator=(const HeapListLock&) = delete;
+  uint64_t count() const;
+  void visit(HeapVisitor visitor, void* context) const;
+};
+
+/// Takes back what waits in every heap. No other thread may be allocating or freeing.
+void compact();
+/// Ends or orphans the calling thread's heap, if it has one.
+void end_current_heap();
+/// Releases every heap with its blocks, and the root. A thread that lives on gets a new heap when it next
+/// needs one.
+void tear_down();
+
+}  // namespace vlm::memory
