@@ -32,7 +32,8 @@ endif()
 # Products and sums are never contracted on their own and no licence is given to change what a program says about exceptions:
 # results must not depend on the loop that an element went through, and runs are judged by the exception flags.
 add_library(velorim_build_flags INTERFACE)
-target_compile_options(velorim_build_flags INTERFACE -march=${VELORIM_ARCH} -ffp-contract=off -Wall -Wextra -Wshadow)
+target_compile_options(velorim_build_flags INTERFACE -march=${VELORIM_ARCH} -ffp-contract=off -fno-math-errno
+                                                     -Wall -Wextra -Wshadow)
 target_compile_options(velorim_build_flags INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor>)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
   # clang deletes and reorders floating-point operations whose only effect is a flag unless it is told to keep them.

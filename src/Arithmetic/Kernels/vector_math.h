@@ -144,7 +144,7 @@ struct cos : sleef<VELORIM_SLEEF_NAMES(cos, u10)> {
 };
 struct tan : sleef<VELORIM_SLEEF_NAMES(tan, u10)> {
   template <class T> static constexpr ordinary_range range() {
-    return by_type<T>({least64, 1e9, true, true}, {least32, 1e5, true, true});
+    return by_type<T>({0x1p-900, 1e9, true, true}, {0x1p-80, 1e5, true, true});
   }
   template <class T> static T outside(T x) { return std::tan(x); }
 };
@@ -188,7 +188,7 @@ struct atan : sleef<VELORIM_SLEEF_NAMES(atan, u10)> {
 };
 struct asinh : sleef<VELORIM_SLEEF_NAMES(asinh, u10)> {
   template <class T> static constexpr ordinary_range range() {
-    return by_type<T>({least64, 1e150, true, true}, {least32, 1e18, true, true});
+    return by_type<T>({0x1p-900, 1e150, true, true}, {0x1p-80, 1e18, true, true});
   }
   template <class T> static T outside(T x) {
     return in_wider_type([](auto w) { return std::asinh(w); }, x);
