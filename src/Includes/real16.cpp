@@ -21,7 +21,7 @@ void clear_real16_flag_word() noexcept { flag_word = 0; }
 void signal_real16(uint32_t signals) noexcept {
   flag_word |= signals;
   if (signals & real16_inexact) raise_inexact();
-  if ((signals & ~uint32_t{real16_inexact}) == 0) [[likely]]
+  if ((signals & ~real16_inexact) == 0) [[likely]]
     return;
 
   int exceptions = 0;

@@ -36,13 +36,11 @@
 namespace vlm {
 
 /// The bits of the flag word.
-enum real16_signals : uint32_t {
-  real16_invalid = 1,
-  real16_divide_by_zero = 2,
-  real16_overflow = 4,
-  real16_underflow = 8,
-  real16_inexact = 16
-};
+inline constexpr uint32_t real16_invalid = 1;
+inline constexpr uint32_t real16_divide_by_zero = 2;
+inline constexpr uint32_t real16_overflow = 4;
+inline constexpr uint32_t real16_underflow = 8;
+inline constexpr uint32_t real16_inexact = 16;
 
 inline constexpr real16 real16_infinity{0x7C00};
 inline constexpr real16 real16_quiet_nan{0x7E00};
@@ -54,7 +52,7 @@ uint32_t real16_flag_word() noexcept;
 /// For tests and hosts that start over.
 void clear_real16_flag_word() noexcept;
 
-/// Signals a set of real16_signals: the environment's exceptions, errno and the flag word.
+/// Signals a set of these bits: the environment's exceptions, errno and the flag word.
 void signal_real16(uint32_t signals) noexcept;
 
 // ---- Classification, from the bits: never a signal
@@ -108,7 +106,7 @@ constexpr rounded round(double x) {
     if (size < infinity) return {signed_half(0x7C00), real16_overflow | real16_inexact};
     if (size == infinity) return {signed_half(0x7C00), 0};
     const bool signalling = (size & 0x0008000000000000) == 0;
-    return {signed_half(0x7E00 | (size >> 42 & 0x03FF)), signalling ? real16_invalid : uint32_t{0}};
+    return {signed_half(0x7E00 | (size >> 42 & 0x03FF)), signalling ? real16_invalid : 0};
   }
 
   if (size >= std::bit_cast<uint64_t>(0x1p-14)) {
@@ -116,7 +114,7 @@ constexpr rounded round(double x) {
     const uint64_t rebased = size - (uint64_t{1023 - 15} << 52);
     const uint64_t half =
         (rebased + (below >> 1) + (rebased >> 42 & 1)) >> 42;  // a carry runs into the exponent, as it should
-    return {signed_half(half), (rebased & below) != 0 ? real16_inexact : uint32_t{0}};
+    return {signed_half(half), (rebased & below) != 0 ? real16_inexact : 0};
   }
 
   if (size == 0) return {signed_half(0), 0};
@@ -139,7 +137,7 @@ constexpr rounded round(float x) {
   const uint32_t bits = std::bit_cast<uint32_t>(x);
   if ((bits & 0x7FFFFFFF) <= 0x7F800000) return round(static_cast<double>(x));
   const auto half = static_cast<uint16_t>((bits >> 16 & 0x8000) | 0x7E00 | (bits >> 13 & 0x03FF));
-  return {real16{half}, (bits & 0x00400000) == 0 ? real16_invalid : uint32_t{0}};
+  return {real16{half}, (bits & 0x00400000) == 0 ? real16_invalid : 0};
 }
 
 }  // namespace real16_format
@@ -201,48 +199,60 @@ real16 to_real16(long double) = delete;
 // -----------------------------------------------------------------------------------------
 
 namespace real16_format {
-/// The end of an operation on operands that were accepted: y is its value in double. A NaN out of no NaN was
-/// an invalid operation.
-inline real16 finish(double y, bool nan_operand) noexcept {
-  auto [value, signals] = round(y);
-  if (is_nan(value) && !nan_operand) {
-    value = real16_quiet_nan;
-    signals = real16_invalid;
-  }
-  if (signals != 0) signal_real16(signals);
-  return value;
+
+/// The result of an operation with a NaN among its operands: the first of them. Left to the processor, it
+/// would be either, as the compiler happens to order the operands of a sum.
+inline real16 pass_nan(real16 x, real16 y) noexcept {
+  const real16 a = accept_real16(x), b = accept_real16(y);
+  return is_nan(a) ? a : b;
 }
+
+/// The end of an operation on numbers: y is its value in double. A NaN was an invalid operation.
+inline real16 finish(double y) noexcept {
+  if (std::isnan(y)) [[unlikely]] {
+    signal_real16(real16_invalid);
+    return real16_quiet_nan;
+  }
+  return to_real16(y);
+}
+
 }  // namespace real16_format
 
 inline real16 add(real16 x, real16 y) noexcept {
-  const double a = to_double(x), b = to_double(y);
-  const double sum = a + b;
+  if (is_nan(x) || is_nan(y)) [[unlikely]]
+    return real16_format::pass_nan(x, y);
+  const double sum = real16_format::widen(x) + real16_format::widen(y);
   if (sum == 0.0)
-    return {static_cast<uint16_t>(x.bits & y.bits & 0x8000)};  // also in rounding modes that cancel to -0
-  return real16_format::finish(sum, is_nan(x) || is_nan(y));
+    return {static_cast<uint16_t>(x.bits & y.bits & 0x8000)};  // also where the mode cancels to -0
+  return real16_format::finish(sum);
 }
 
 inline real16 subtract(real16 x, real16 y) noexcept { return add(x, is_nan(y) ? y : negated(y)); }
 
 inline real16 multiply(real16 x, real16 y) noexcept {
-  return real16_format::finish(to_double(x) * to_double(y), is_nan(x) || is_nan(y));
+  if (is_nan(x) || is_nan(y)) [[unlikely]]
+    return real16_format::pass_nan(x, y);
+  return real16_format::finish(real16_format::widen(x) * real16_format::widen(y));
 }
 
 inline real16 divide(real16 x, real16 y) noexcept {
-  const double a = to_double(x), b = to_double(y);
-  if (is_zero(y) && is_finite(x) && !is_zero(x)) {
+  if (is_nan(x) || is_nan(y)) [[unlikely]]
+    return real16_format::pass_nan(x, y);
+  if (is_zero(y) && is_finite(x) && !is_zero(x)) [[unlikely]] {
     signal_real16(real16_divide_by_zero);
     return {static_cast<uint16_t>(0x7C00 | ((x.bits ^ y.bits) & 0x8000))};
   }
-  return real16_format::finish(a / b, is_nan(x) || is_nan(y));
+  return real16_format::finish(real16_format::widen(x) / real16_format::widen(y));
 }
 
 inline real16 square_root(real16 x) noexcept {
-  if (sign_bit(x) && !is_zero(x) && !is_nan(x)) {
+  if (is_nan(x)) [[unlikely]]
+    return accept_real16(x);
+  if (sign_bit(x) && !is_zero(x)) [[unlikely]] {  // here, for std::sqrt would set errno by its own rule
     signal_real16(real16_invalid);
     return real16_quiet_nan;
   }
-  return real16_format::finish(std::sqrt(to_double(x)), is_nan(x));
+  return to_real16(std::sqrt(real16_format::widen(x)));
 }
 
 // ---- Comparison: any NaN signals invalid and compares false
@@ -285,8 +295,13 @@ inline real16 rint(real16 x) noexcept {
 /// Toward zero, without a signal for the part cut off. An infinity signals invalid and gives the end of the
 /// range, a NaN signals invalid and gives 0.
 inline int64_t to_int64(real16 x) noexcept {
-  if (is_finite(x)) [[likely]]
-    return static_cast<int64_t>(real16_format::widen(x));
+  if (is_finite(x)) [[likely]] {
+    // By integer arithmetic: the processor's conversion would raise inexact.
+    const int exponent = x.bits >> 10 & 0x1F;
+    const int64_t fraction = x.bits & 0x03FF;
+    const int64_t units = exponent == 0 ? fraction : (0x0400 | fraction) << (exponent - 1);  // of 2^-24
+    return sign_bit(x) ? -(units >> 24) : units >> 24;
+  }
   signal_real16(real16_invalid);
   if (is_nan(x)) return 0;
   return sign_bit(x) ? std::numeric_limits<int64_t>::min() : std::numeric_limits<int64_t>::max();
