@@ -1,5 +1,7 @@
 #include "Includes/real16.h"
 
+#include <cfenv>
+
 namespace vlm {
 namespace {
 
@@ -29,8 +31,14 @@ void signal_real16(uint32_t signals) noexcept {
   if (signals & real16_divide_by_zero) exceptions |= FE_DIVBYZERO;
   if (signals & real16_overflow) exceptions |= FE_OVERFLOW;
   if (signals & real16_underflow) exceptions |= FE_UNDERFLOW;
-  std::feraiseexcept(exceptions);
+  if (std::fetestexcept(exceptions) != exceptions) fp::raise(exceptions);  // telling is cheaper than raising
   errno = (signals & real16_invalid) ? EDOM : ERANGE;
+}
+
+int real16_format::settled_exceptions() noexcept {
+  const uint32_t word = flag_word;
+  return (word & real16_overflow ? FE_OVERFLOW : 0) | (word & real16_underflow ? FE_UNDERFLOW : 0) |
+         (word & real16_inexact ? FE_INEXACT : 0);
 }
 
 real16 real16_format::conclude(double y, int raised) noexcept {

@@ -468,6 +468,49 @@ TEST(Real16Functions, OnlyTheRightSignalsComeOut) {
             expected(vlm::real16_invalid | vlm::real16_divide_by_zero));
 }
 
+// What a caller has raised already, in the flag word, in the environment or in both, neither hides a signal nor makes one.
+TEST(Real16Functions, VerdictDoesNotDependOnEarlierSignals) {
+  const auto exp = [](double x) { return std::exp(x); };
+  const auto log = [](double x) { return std::log(x); };
+  const auto sin = [](double x) { return std::sin(x); };
+  const auto csch = [](double x) { return 1.0 / std::sinh(x); };
+  const auto call = [&](int which, real16 x) {
+    return which == 0   ? vlm::evaluate(exp, x)
+           : which == 1 ? vlm::evaluate(log, x)
+           : which == 2 ? vlm::evaluate(sin, x)
+                        : vlm::evaluate(csch, x);
+  };
+  for (const uint32_t bits : {0x0000u, 0x8000u, 0x0001u, 0x3C00u, 0xBC00u, 0x4A00u, 0x7000u, 0x7BFFu, 0xFBFFu,
+                              0xCD00u, 0x7C00u, 0xFC00u, 0x7E2Au, 0x7C2Au}) {
+    const real16 x = half(bits);
+    for (int which = 0; which < 4; ++which) {
+      real16 wanted{};
+      const Signals signals = signals_of([&] { wanted = call(which, x); });
+      for (uint32_t word = 0; word < 32; ++word) {
+        for (uint32_t environment = 0; environment < 32; ++environment) {
+          std::feclearexcept(FE_ALL_EXCEPT);
+          vlm::clear_real16_flag_word();
+          vlm::signal_real16(word);
+          std::feclearexcept(FE_ALL_EXCEPT);
+          std::feraiseexcept((environment & 1 ? FE_INVALID : 0) | (environment & 2 ? FE_DIVBYZERO : 0) |
+                             (environment & 4 ? FE_OVERFLOW : 0) | (environment & 8 ? FE_UNDERFLOW : 0) |
+                             (environment & 16 ? FE_INEXACT : 0));
+          const uint32_t before = environment_bits();  // overflow may bring inexact along
+          errno = 0;
+          const real16 got = call(which, x);
+          const int error = errno;
+          ASSERT_EQ(got.bits, wanted.bits) << std::hex << bits;
+          ASSERT_EQ(vlm::real16_flag_word(), word | signals.word) << std::hex << bits << " " << word;
+          ASSERT_EQ(environment_bits(), before | signals.environment)
+              << std::hex << bits << " " << environment;
+          ASSERT_EQ(error, signals.error) << std::hex << bits << " " << word << " " << environment;
+        }
+      }
+    }
+  }
+  std::feclearexcept(FE_ALL_EXCEPT);
+}
+
 TEST(Real16Functions, ExceptionsRaisedBeforeStayRaised) {
   std::feclearexcept(FE_ALL_EXCEPT);
   std::feraiseexcept(FE_DIVBYZERO);
