@@ -8,8 +8,7 @@ namespace {
 constinit thread_local uint32_t flag_word = 0;
 
 void raise_inexact() noexcept {
-  // An inexact sum raises the exception some ten times faster than feraiseexcept, and nearly every operation
-  // is inexact.
+  // By an inexact sum: nearly every operation is inexact, and a call that reads the status of two units is dear.
   volatile double one = 1.0;
   volatile double sum = one + 0x1p-60;
   static_cast<void>(sum);
