@@ -1,13 +1,14 @@
 #include "Includes/real16.h"
 
+#include <cfenv>
+
 namespace vlm {
 namespace {
 
 constinit thread_local uint32_t flag_word = 0;
 
 void raise_inexact() noexcept {
-  // An inexact sum raises the exception some ten times faster than feraiseexcept, and nearly every operation
-  // is inexact.
+  // By an inexact sum: nearly every operation is inexact, and a call that reads the status of two units is dear.
   volatile double one = 1.0;
   volatile double sum = one + 0x1p-60;
   static_cast<void>(sum);
@@ -21,7 +22,7 @@ void clear_real16_flag_word() noexcept { flag_word = 0; }
 void signal_real16(uint32_t signals) noexcept {
   flag_word |= signals;
   if (signals & real16_inexact) raise_inexact();
-  if ((signals & ~uint32_t{real16_inexact}) == 0) [[likely]]
+  if ((signals & ~real16_inexact) == 0) [[likely]]
     return;
 
   int exceptions = 0;
@@ -29,8 +30,14 @@ void signal_real16(uint32_t signals) noexcept {
   if (signals & real16_divide_by_zero) exceptions |= FE_DIVBYZERO;
   if (signals & real16_overflow) exceptions |= FE_OVERFLOW;
   if (signals & real16_underflow) exceptions |= FE_UNDERFLOW;
-  std::feraiseexcept(exceptions);
+  if (std::fetestexcept(exceptions) != exceptions) fp::raise(exceptions);  // telling is cheaper than raising
   errno = (signals & real16_invalid) ? EDOM : ERANGE;
+}
+
+int real16_format::settled_exceptions() noexcept {
+  const uint32_t word = flag_word;
+  return (word & real16_overflow ? FE_OVERFLOW : 0) | (word & real16_underflow ? FE_UNDERFLOW : 0) |
+         (word & real16_inexact ? FE_INEXACT : 0);
 }
 
 real16 real16_format::conclude(double y, int raised) noexcept {

@@ -1,22 +1,23 @@
-// Arithmetic on IEEE 754 binary16. A half is widened exactly, the work is done in double, and the result is
-// rounded once, to nearest with ties to even whatever the rounding mode of the thread.
+// Arithmetic on IEEE 754 binary16. A half is widened exactly, the work is done in double, and the
+// result is rounded once, to nearest with ties to even whatever the rounding mode of the thread.
 //
-// Signals. An operation that IEEE 754 wants signalled raises the exception of the floating-point environment,
-// sets errno (EDOM for an invalid operation; ERANGE for overflow, division by zero and underflow) and ORs the
-// thread's flag word. An inexact result alone leaves errno. A result underflows when it is inexact and tiny,
-// and it is tiny when the exact value, rounded to eleven bits with an unbounded exponent, lies below 2^-14
-// (tininess after rounding, as on x86).
+// Signals. An operation that IEEE 754 wants signalled raises the exception of the floating-point
+// environment, sets errno (EDOM for an invalid operation; ERANGE for overflow, division by zero and
+// underflow) and ORs the thread's flag word. An inexact result alone leaves errno. A result underflows
+// when it is inexact and tiny, and it is tiny when the exact value, rounded to eleven bits with an
+// unbounded exponent, lies below 2^-14 (tininess after rounding, as on x86).
 //
 // NaNs. A signalling NaN raises invalid and becomes the quiet NaN with the same payload. A NaN that is
 // narrowed keeps the top ten bits of its payload.
 //
-// Why one rounding is enough. A number between two neighbouring halves decides on itself by the side of their
-// midpoint it is on, and midpoints have at most twelve significant bits. Sums, differences and products of
-// halves are exact in double. A quotient or a root of halves is either a midpoint exactly or at least 2^-24
-// of its size away from every midpoint, and double moves it by 2^-53 (2^-52 in a directed rounding mode) at
-// most. So these five are correctly rounded. An elementary function comes out of the C library within an ulp
-// or so of double; its half is wrong only if the true value is 2^-51 or closer to a midpoint without being
-// one. There are no more than 65,536 arguments, so that can be looked up by test.
+// Why one rounding is enough. A number between two neighbouring halves decides on itself by the side of
+// their midpoint it is on, and midpoints have at most twelve significant bits. Sums, differences and
+// products of halves are exact in double. A quotient or a root of halves is either a midpoint exactly
+// or at least 2^-24 of its size away from every midpoint, and double moves it by 2^-53 (2^-52 in a
+// directed rounding mode) at most. So these five are correctly rounded. An elementary function comes
+// out of the C library within an ulp or so of double; its half is wrong only if the true value is 2^-51
+// or closer to a midpoint without being one. There are no more than 65,536 arguments, so that can be
+// looked up by test.
 #pragma once
 
 #include <bit>
@@ -25,9 +26,10 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
-#include <utility>
+#include <type_traits>
 
 #include "Includes/element_types.h"
+#include "Includes/fp_environment.h"
 
 #if defined(__F16C__)
 #include <immintrin.h>
@@ -36,13 +38,11 @@
 namespace vlm {
 
 /// The bits of the flag word.
-enum real16_signals : uint32_t {
-  real16_invalid = 1,
-  real16_divide_by_zero = 2,
-  real16_overflow = 4,
-  real16_underflow = 8,
-  real16_inexact = 16
-};
+inline constexpr uint32_t real16_invalid = 1;
+inline constexpr uint32_t real16_divide_by_zero = 2;
+inline constexpr uint32_t real16_overflow = 4;
+inline constexpr uint32_t real16_underflow = 8;
+inline constexpr uint32_t real16_inexact = 16;
 
 inline constexpr real16 real16_infinity{0x7C00};
 inline constexpr real16 real16_quiet_nan{0x7E00};
@@ -54,11 +54,10 @@ uint32_t real16_flag_word() noexcept;
 /// For tests and hosts that start over.
 void clear_real16_flag_word() noexcept;
 
-/// Signals a set of real16_signals: the environment's exceptions, errno and the flag word.
+/// Signals a set of these bits: the environment's exceptions, errno and the flag word.
 void signal_real16(uint32_t signals) noexcept;
 
-// ---- Classification, from the bits: never a signal
-// -------------------------------------------------------------------------
+// ---- Classification, from the bits: never a signal --------------------------------------------------
 
 constexpr bool is_nan(real16 x) { return (x.bits & 0x7FFF) > 0x7C00; }
 constexpr bool is_signalling(real16 x) { return is_nan(x) && (x.bits & 0x0200) == 0; }
@@ -72,8 +71,7 @@ constexpr real16 magnitude(real16 x) { return {static_cast<uint16_t>(x.bits & 0x
 constexpr real16 negated(real16 x) { return {static_cast<uint16_t>(x.bits ^ 0x8000)}; }
 constexpr real16 quieted(real16 x) { return is_nan(x) ? real16{static_cast<uint16_t>(x.bits | 0x0200)} : x; }
 
-// ---- Formats, by integer arithmetic: never a signal
-// ------------------------------------------------------------------------
+// ---- Formats, by integer arithmetic: never a signal -------------------------------------------------
 
 namespace real16_format {
 
@@ -108,7 +106,7 @@ constexpr rounded round(double x) {
     if (size < infinity) return {signed_half(0x7C00), real16_overflow | real16_inexact};
     if (size == infinity) return {signed_half(0x7C00), 0};
     const bool signalling = (size & 0x0008000000000000) == 0;
-    return {signed_half(0x7E00 | (size >> 42 & 0x03FF)), signalling ? real16_invalid : uint32_t{0}};
+    return {signed_half(0x7E00 | (size >> 42 & 0x03FF)), signalling ? real16_invalid : 0};
   }
 
   if (size >= std::bit_cast<uint64_t>(0x1p-14)) {
@@ -116,7 +114,7 @@ constexpr rounded round(double x) {
     const uint64_t rebased = size - (uint64_t{1023 - 15} << 52);
     const uint64_t half =
         (rebased + (below >> 1) + (rebased >> 42 & 1)) >> 42;  // a carry runs into the exponent, as it should
-    return {signed_half(half), (rebased & below) != 0 ? real16_inexact : uint32_t{0}};
+    return {signed_half(half), (rebased & below) != 0 ? real16_inexact : 0};
   }
 
   if (size == 0) return {signed_half(0), 0};
@@ -133,19 +131,19 @@ constexpr rounded round(double x) {
   return {signed_half(half), tiny ? real16_underflow | real16_inexact : real16_inexact};
 }
 
-/// The nearest half of a float, ties to even. A NaN goes by its bits: converting it to double would lose
-/// whether it signals.
+/// The nearest half of a float, ties to even. A NaN goes by its bits: converting it to double would
+/// lose whether it signals.
 constexpr rounded round(float x) {
   const uint32_t bits = std::bit_cast<uint32_t>(x);
   if ((bits & 0x7FFFFFFF) <= 0x7F800000) return round(static_cast<double>(x));
   const auto half = static_cast<uint16_t>((bits >> 16 & 0x8000) | 0x7E00 | (bits >> 13 & 0x03FF));
-  return {real16{half}, (bits & 0x00400000) == 0 ? real16_invalid : uint32_t{0}};
+  return {real16{half}, (bits & 0x00400000) == 0 ? real16_invalid : 0};
 }
 
 }  // namespace real16_format
 
-/// Signals invalid for a signalling NaN; returns x with a NaN made quiet. What every operation does to its
-/// operands.
+/// Signals invalid for a signalling NaN; returns x with a NaN made quiet. What every operation does to
+/// its operands.
 inline real16 accept_real16(real16 x) noexcept {
   if (!is_signalling(x)) [[likely]]
     return x;
@@ -161,8 +159,7 @@ inline bool signal_if_nan(real16 x) noexcept {
   return true;
 }
 
-// ---- Widening and rounding
-// -------------------------------------------------------------------------------------------------
+// ---- Widening and rounding --------------------------------------------------------------------------
 
 inline double to_double(real16 x) noexcept { return real16_format::widen(accept_real16(x)); }
 
@@ -174,8 +171,8 @@ inline float to_float(real16 x) noexcept {
 #endif
 }
 
-/// The nearest half, ties to even, rounded once; signals overflow, underflow, inexact, and invalid for a
-/// signalling NaN.
+/// The nearest half, ties to even, rounded once; signals overflow, underflow, inexact, and invalid for
+/// a signalling NaN.
 inline real16 to_real16(double x) noexcept {
   const auto [value, signals] = real16_format::round(x);
   if (signals != 0) signal_real16(signals);
@@ -184,8 +181,8 @@ inline real16 to_real16(double x) noexcept {
 
 inline real16 to_real16(float x) noexcept {
 #if defined(__F16C__)
-  // The instruction rounds once and to nearest by its own operand. An exact conversion, alone, has nothing to
-  // signal.
+  // The instruction rounds once and to nearest by its own operand. An exact conversion, alone, has
+  // nothing to signal.
   const uint16_t half = _cvtss_sh(x, _MM_FROUND_TO_NEAREST_INT);
   if (_cvtsh_ss(half) == x) [[likely]]
     return {half};
@@ -197,56 +194,66 @@ inline real16 to_real16(float x) noexcept {
 
 real16 to_real16(long double) = delete;
 
-// ---- Arithmetic: correctly rounded
-// -----------------------------------------------------------------------------------------
+// ---- Arithmetic: correctly rounded ------------------------------------------------------------------
 
 namespace real16_format {
-/// The end of an operation on operands that were accepted: y is its value in double. A NaN out of no NaN was
-/// an invalid operation.
-inline real16 finish(double y, bool nan_operand) noexcept {
-  auto [value, signals] = round(y);
-  if (is_nan(value) && !nan_operand) {
-    value = real16_quiet_nan;
-    signals = real16_invalid;
-  }
-  if (signals != 0) signal_real16(signals);
-  return value;
+
+/// The result of an operation with a NaN among its operands: the first of them. Left to the processor,
+/// it would be either, as the compiler happens to order the operands of a sum.
+inline real16 pass_nan(real16 x, real16 y) noexcept {
+  const real16 a = accept_real16(x), b = accept_real16(y);
+  return is_nan(a) ? a : b;
 }
+
+/// The end of an operation on numbers: y is its value in double. A NaN was an invalid operation.
+inline real16 finish(double y) noexcept {
+  if (std::isnan(y)) [[unlikely]] {
+    signal_real16(real16_invalid);
+    return real16_quiet_nan;
+  }
+  return to_real16(y);
+}
+
 }  // namespace real16_format
 
 inline real16 add(real16 x, real16 y) noexcept {
-  const double a = to_double(x), b = to_double(y);
-  const double sum = a + b;
+  if (is_nan(x) || is_nan(y)) [[unlikely]]
+    return real16_format::pass_nan(x, y);
+  const double sum = real16_format::widen(x) + real16_format::widen(y);
   if (sum == 0.0)
-    return {static_cast<uint16_t>(x.bits & y.bits & 0x8000)};  // also in rounding modes that cancel to -0
-  return real16_format::finish(sum, is_nan(x) || is_nan(y));
+    return {static_cast<uint16_t>(x.bits & y.bits & 0x8000)};  // also where the mode cancels to -0
+  return real16_format::finish(sum);
 }
 
 inline real16 subtract(real16 x, real16 y) noexcept { return add(x, is_nan(y) ? y : negated(y)); }
 
 inline real16 multiply(real16 x, real16 y) noexcept {
-  return real16_format::finish(to_double(x) * to_double(y), is_nan(x) || is_nan(y));
+  if (is_nan(x) || is_nan(y)) [[unlikely]]
+    return real16_format::pass_nan(x, y);
+  return real16_format::finish(real16_format::widen(x) * real16_format::widen(y));
 }
 
 inline real16 divide(real16 x, real16 y) noexcept {
-  const double a = to_double(x), b = to_double(y);
-  if (is_zero(y) && is_finite(x) && !is_zero(x)) {
+  if (is_nan(x) || is_nan(y)) [[unlikely]]
+    return real16_format::pass_nan(x, y);
+  if (is_zero(y) && is_finite(x) && !is_zero(x)) [[unlikely]] {
     signal_real16(real16_divide_by_zero);
     return {static_cast<uint16_t>(0x7C00 | ((x.bits ^ y.bits) & 0x8000))};
   }
-  return real16_format::finish(a / b, is_nan(x) || is_nan(y));
+  return real16_format::finish(real16_format::widen(x) / real16_format::widen(y));
 }
 
 inline real16 square_root(real16 x) noexcept {
-  if (sign_bit(x) && !is_zero(x) && !is_nan(x)) {
+  if (is_nan(x)) [[unlikely]]
+    return accept_real16(x);
+  if (sign_bit(x) && !is_zero(x)) [[unlikely]] {  // here, for std::sqrt would set errno by its own rule
     signal_real16(real16_invalid);
     return real16_quiet_nan;
   }
-  return real16_format::finish(std::sqrt(to_double(x)), is_nan(x));
+  return to_real16(std::sqrt(real16_format::widen(x)));
 }
 
-// ---- Comparison: any NaN signals invalid and compares false
-// ----------------------------------------------------------------
+// ---- Comparison: any NaN signals invalid and compares false -----------------------------------------
 
 inline bool equal(real16 x, real16 y) noexcept {
   if (static_cast<int>(signal_if_nan(x)) | static_cast<int>(signal_if_nan(y))) return false;
@@ -263,8 +270,7 @@ inline bool less_equal(real16 x, real16 y) noexcept {
   return real16_format::widen(x) <= real16_format::widen(y);
 }
 
-// ---- Whole numbers. The whole number beside a half is a half, so these are exact
-// --------------------------------------------
+// ---- Whole numbers. The whole number beside a half is a half, so these are exact --------------------
 
 inline real16 floor(real16 x) noexcept {
   return real16_format::round(std::floor(real16_format::widen(accept_real16(x)))).value;
@@ -282,54 +288,63 @@ inline real16 rint(real16 x) noexcept {
   return whole;
 }
 
-/// Toward zero, without a signal for the part cut off. An infinity signals invalid and gives the end of the
-/// range, a NaN signals invalid and gives 0.
+/// Toward zero, without a signal for the part cut off. An infinity signals invalid and gives the end of
+/// the range, a NaN signals invalid and gives 0.
 inline int64_t to_int64(real16 x) noexcept {
-  if (is_finite(x)) [[likely]]
-    return static_cast<int64_t>(real16_format::widen(x));
+  if (is_finite(x)) [[likely]] {
+    // By integer arithmetic: the processor's conversion would raise inexact.
+    const int exponent = x.bits >> 10 & 0x1F;
+    const int64_t fraction = x.bits & 0x03FF;
+    const int64_t units = exponent == 0 ? fraction : (0x0400 | fraction) << (exponent - 1);  // of 2^-24
+    return sign_bit(x) ? -(units >> 24) : units >> 24;
+  }
   signal_real16(real16_invalid);
   if (is_nan(x)) return 0;
   return sign_bit(x) ? std::numeric_limits<int64_t>::min() : std::numeric_limits<int64_t>::max();
 }
 
-// ---- Functions
-// -------------------------------------------------------------------------------------------------------------
+// ---- Functions --------------------------------------------------------------------------------------
 
 namespace real16_format {
 /// Rounds the value y of a function to half and signals for it. raised holds the FE_ exceptions of the
 /// evaluation in double.
 real16 conclude(double y, int raised) noexcept;
+/// The FE_ exceptions of overflow, underflow and inexact that the flag word holds. Raised once more by
+/// an evaluation, on top of a caller's environment that has them too, they change nothing.
+int settled_exceptions() noexcept;
 }  // namespace real16_format
 
 /// f(x) for a function of doubles: evaluated wholly in double, rounded once. The evaluation runs in the
 /// default environment with errno and the exceptions set aside, and these come out of it:
 ///  - invalid and division by zero of the evaluation;
 ///  - overflow if the value is beyond the halves, whether in double or in the rounding; an intermediate
-///  result that overflows
-///    on the way to a finite value, as in 1 / cosh(x), is no overflow;
+///    result that overflows on the way to a finite value, as in 1 / cosh(x), is no overflow;
 ///  - underflow if the value is tiny for a half and inexact, or so small that the evaluation gave zero;
 ///  - inexact if the evaluation or the rounding is.
-/// An infinite value that the evaluation raised nothing for, such as that of exp at infinity, is infinity
-/// without a signal. A quiet NaN among the arguments goes into f, quietly unless f has a reason of its own; a
-/// signalling NaN raises invalid and goes in as a quiet one.
+/// An infinite value that the evaluation raised nothing for, such as that of exp at infinity, is
+/// infinity without a signal. f is a pure function and may be called twice. A quiet NaN among the
+/// arguments goes into f, quietly unless f has a reason of its own; a signalling NaN raises invalid and
+/// goes in as a quiet one.
 template <class Function, class... Reals> real16 evaluate(Function&& f, Reals... x) noexcept {
   static_assert((std::is_same_v<Reals, real16> && ...));
   const int saved_errno = errno;
   double y = 0.0;
   int raised = 0;
-  {
-    std::fenv_t environment;
-    std::feholdexcept(&environment);
-    std::fesetround(FE_TONEAREST);
-    const auto opaque = [](double v) {
-      volatile double held = v;  // keeps the operations of f between the two calls of the environment
-      return static_cast<double>(held);
+  const auto run = [&](int unheeded) {
+    const fp::default_section section(unheeded);
+    const auto operand = [](real16 v) {
+      double wide = real16_format::widen(v);
+      fp::pin(wide);
+      return wide;
     };
-    volatile double value = f(opaque(real16_format::widen(x))...);
-    y = value;
-    raised = std::fetestexcept(FE_ALL_EXCEPT);
-    std::fesetenv(&environment);
-  }
+    y = f(operand(x)...);
+    fp::pin(y);
+    raised = section.raised();
+  };
+  const int settled = real16_format::settled_exceptions();
+  run(settled);
+  // Only of a zero or an infinity does the verdict depend on overflow and underflow in double.
+  if ((settled & (FE_OVERFLOW | FE_UNDERFLOW)) && (y == 0.0 || std::isinf(y))) run(0);
   errno = saved_errno;
   (accept_real16(x), ...);
   return real16_format::conclude(y, raised);
