@@ -251,21 +251,21 @@ TEST_F(Allocate, NoTypeHasNoElements) {
 
 TEST_F(Allocate, ReshapeFailsWithoutATraceAtEveryAllocation) {
   const mint from[] = {2, 3}, to[] = {3, 5, 7, 2, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1};
-  for (int32_t oldType : {0, 5, 12}) {
+  for (int32_t mode : {FailNull, FailReport}) for (int32_t oldType : {0, 5, 12}) {
     array_ptr array(MNumericArray_new());
     if (oldType != 0) {
-      ASSERT_EQ(MNumericArray_allocateMemoryCommon(array.get(), oldType, 2, from, FailNull), 0);
+      ASSERT_EQ(MNumericArray_allocateMemoryCommon(array.get(), oldType, 2, from, mode), 0);
     }
     fill(array.get(), 9);
     const auto bytes = bytes_of(array.get());
     const MNumericArray before = *array;
     const int failures = fail_at_every_allocation(
-        [&] { return MNumericArray_allocateMemoryCommon(array.get(), 10, 20, to, FailNull) == ArrayStatusOk; },
+        [&] { return MNumericArray_allocateMemoryCommon(array.get(), 10, 20, to, mode) == ArrayStatusOk; },
         [&] {
           EXPECT_EQ(std::memcmp(&before, array.get(), sizeof before), 0);
           EXPECT_EQ(bytes_of(array.get()), bytes);
         });
-    EXPECT_GT(failures, 10);
+    EXPECT_EQ(failures, 2);
     expect_array(array.get(), 10, {to, to + 20});
   }
 }
@@ -279,19 +279,29 @@ TEST_F(Allocate, CreationFailsWithoutALeakAtEveryAllocation) {
     MNumericArray_delete(array);
     return array != nullptr;
   };
-  EXPECT_GT(fail_at_every_allocation(
-                [&] { return succeeded(MNumericArray_newAllocatedCommon(12, 4, dims.data(), FailNull)); }, nothing_kept), 10);
-  EXPECT_GT(fail_at_every_allocation(
-                [&] { return succeeded(MNumericArray_newCopyFromDataArrayCommon(12, 4, dims.data(), source.data(), FailNull)); },
-                nothing_kept), 10);
-  EXPECT_GT(fail_at_every_allocation(
-                [&] { return succeeded(MNumericArray_newUsingDimsCommon(12, 4, dims_block(dims), FailNull)); }, nothing_kept), 10);
-  EXPECT_GT(fail_at_every_allocation(
-                [&] {
-                  void* data = zalloc(210 * 16, 1, FailFatal);
-                  return succeeded(MNumericArray_newUsingDataArrayCommon(12, 4, dims.data(), data, FailNull));
-                },
-                nothing_kept), 0);
+  for (int32_t mode : {FailNull, FailReport}) {
+    EXPECT_EQ(2, fail_at_every_allocation(
+                     [&] { return succeeded(MNumericArray_newAllocatedCommon(12, 4, dims.data(), mode)); }, nothing_kept));
+    EXPECT_EQ(2, fail_at_every_allocation(
+                     [&] { return succeeded(MNumericArray_newCopyFromDataArrayCommon(12, 4, dims.data(), source.data(), mode)); },
+                     nothing_kept));
+    EXPECT_EQ(1, fail_at_every_allocation(
+                     [&] { return succeeded(MNumericArray_newUsingDimsCommon(12, 4, dims_block(dims), mode)); }, nothing_kept));
+    EXPECT_EQ(1, fail_at_every_allocation(
+                     [&] {
+                       void* data = zalloc(210 * 16, 1, FailFatal);
+                       return succeeded(MNumericArray_newUsingDataArrayCommon(12, 4, dims.data(), data, mode));
+                     },
+                     nothing_kept));
+    EXPECT_EQ(2, fail_at_every_allocation(
+                     [&] {
+                       MNumericArray* made = nullptr;
+                       const int32_t status = MNumericArray_allocateCommon(&made, 3, 4, dims.data(), mode);
+                       EXPECT_EQ(status, made == nullptr ? ArrayStatusNoMemory : ArrayStatusOk);
+                       return succeeded(made);
+                     },
+                     nothing_kept));
+  }
 }
 
 TEST_F(Allocate, ReportModeFailsOnlyWhereTheStorageDoes) {
@@ -352,9 +362,9 @@ TEST_F(Allocate, MovesMisalignedData) {
       std::memset(data, 0x5A, 21 * sizeof(T));
       array_ptr array(MNumericArray_new());
       mint* block = dims_block(dims);
-      if (fails) MCsetlimit(static_cast<uint64_t>(MemoryInUse()) + 1);
+      if (fails) vlm::memory::fail_allocation_after(0);
       array.reset(MNumericArray_newUsingDataArrayAndDimsCommon(type, 2, block, data, FailNull));
-      MCsetlimit(0);
+      vlm::memory::fail_allocation_after(-1);
       if (type <= 8) {
         ASSERT_TRUE(array);
         EXPECT_EQ(array->data, data);

@@ -1,4 +1,4 @@
-// What tests of array operations share: a running library, a balance of memory that must come back to zero, arrays made and
+// What tests of array operations share: a library at work, a balance of memory that must come back to zero, arrays made and
 // deleted in one line, and storage that fails at every step in turn.
 #pragma once
 
@@ -11,9 +11,10 @@
 
 #include "Includes/element_types.h"
 #include "MNumericArray/Allocate/array_record.h"
+#include "Memory/failure_injection.h"
+#include "Runtime/hooks.h"
 #include "velorim/array.h"
 #include "velorim/memory.h"
-#include "velorim/runtime.h"
 
 namespace vlm_test {
 
@@ -50,8 +51,12 @@ class ArrayTest : public ::testing::Test {
  protected:
   static void SetUpTestSuite() {
     static const bool running = [] {
-      InitializeRuntimeLibrary();
-      return true;
+      for (int32_t phase = 0; phase <= 4; ++phase) {
+        vlm::memory_hook(phase);
+        vlm::array_names_hook(phase);
+        vlm::eternal_tensor_hook(phase);
+      }
+      return getEternalMTensor() != nullptr;
     }();
     ASSERT_TRUE(running);
   }
@@ -63,22 +68,22 @@ class ArrayTest : public ::testing::Test {
     EXPECT_EQ(MemoryInUse(), before_) << "an operation kept or lost memory";
   }
 
-  /// Runs `attempt`, which allocates under FailNull and says whether it succeeded, under soft limits that grow from nothing
-  /// spare until it succeeds: each of its allocations is thus the one that fails, at one limit or another. After a failure
-  /// `check` runs without a limit. Returns the number of failures seen.
+  /// Runs `attempt`, which says whether it succeeded, with its first allocation failing, then its second and so on until
+  /// none is left to fail. After each failure runs `check`. Returns the number of allocations that were made to fail;
+  /// those with FailFatal, such as the records of arrays, are not among them.
   template <class Attempt, class Check>
   static int fail_at_every_allocation(Attempt&& attempt, Check&& check) {
-    int failures = 0;
-    for (uint64_t spare = 1; spare < (uint64_t{1} << 20); spare += 8) {
-      MCsetlimit(static_cast<uint64_t>(MemoryInUse()) + spare);
+    for (int failures = 0; failures < 1000; ++failures) {
+      vlm::memory::fail_allocation_after(failures);
       const bool succeeded = attempt();
-      MCsetlimit(0);
-      if (succeeded) return failures;
-      ++failures;
+      const bool failed = !vlm::memory::allocation_failure_pending();
+      vlm::memory::fail_allocation_after(-1);
+      EXPECT_EQ(succeeded, !failed) << "with allocation " << failures << " failing";
+      if (!failed) return failures;
       check();
     }
     ADD_FAILURE() << "never succeeded";
-    return failures;
+    return -1;
   }
 
  private:

@@ -13,8 +13,9 @@ namespace vlm {
 /// What NumberOfElementsCommon gives instead of a count: its only sign of failure.
 inline constexpr mint element_count_failed = std::numeric_limits<mint>::max();
 
-/// `precision` of a record whose element type is integer or none. That of the other types is MachinePrecision.
+/// `precision` of a record: for an integer type or none, and for a real or complex type, where it is MachinePrecision.
 inline constexpr double integer_precision = 9007199254740992.0;
+inline constexpr double real_precision = -std::numeric_limits<double>::infinity();
 
 /// The bits of `flags` that belong to the element type.
 inline constexpr uint32_t element_type_flags = ArrayFlagNumeric | ArrayFlagComplex;

@@ -1,6 +1,5 @@
 // The exported tables of element bytes and type codes, and what a record stores beside its element type.
 #include "MNumericArray/Allocate/array_record.h"
-#include "velorim/floating_point.h"
 
 #define VELORIM_BYTES(CODE, NAME, TYPE, CLASS, BYTES, DIGITS, TENSOR) BYTES,
 #define VELORIM_TENSOR_TYPE(CODE, NAME, TYPE, CLASS, BYTES, DIGITS, TENSOR) TENSOR,
@@ -68,7 +67,7 @@ void applyElementType(MNumericArray* array, int32_t type) {
     constexpr element_class kind = element_of<T>::kind;
     array->tensorType = static_cast<uint32_t>(element_of<T>::tensor_type);
     array->flags |= flags_of(kind);
-    array->precision = is_integer(kind) ? integer_precision : MachinePrecision;
+    array->precision = is_integer(kind) ? integer_precision : real_precision;
   });
 }
 

@@ -1,7 +1,6 @@
 // The storage of a record: its size and its resizing. Also the invariants that hold between storage, shape and type.
 #include "MNumericArray/Allocate/array_record.h"
-#include "Memory/limit.h"
-#include "velorim/floating_point.h"
+#include "Memory/accounting.h"
 #include "velorim/memory.h"
 
 namespace vlm {
@@ -15,7 +14,9 @@ mint checked_element_count(mint rank, const mint* dims) {
 }
 
 int32_t report_size_overflow() {
-  memory::test_limit(std::numeric_limits<uint64_t>::max());
+  if (memory::HeapAccounts* heap = memory::current_heap()) {
+    memory::passes_limit(*heap, std::numeric_limits<uint64_t>::max());
+  }
   return ArrayStatusNoMemory;
 }
 
