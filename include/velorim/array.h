@@ -1,27 +1,26 @@
 /* The array record, its type tables and its life.
  *
- * Every array of the library, of any element type, is one record: MNumericArray. An MTensor is the same
- * record seen through the smaller set of tensor type codes; each MTensor_ form maps its code and is the
- * MNumericArray_ form of the same name.
+ * Every array of the library, of any element type, is one record: MNumericArray. An MTensor is the same record seen
+ * through the smaller set of tensor type codes; each MTensor_ form maps its code and is the MNumericArray_ form of the same
+ * name.
  *
  * Conventions of this header:
- *  - Ownership. The record, its dims block and its data block are three blocks of zalloc (memory.h) that
- * belong to the record; MNumericArray_delete frees all three. "Taken over" means that a block of the caller,
- * which must come from zalloc, belongs to the record from then on. dims that are not taken over are copied
- * and stay the caller's.
- *  - failMode. FailFatal, FailNull or FailReport (base.h). It governs dims and data; a record itself is
- * allocated with FailFatal always. Storage that cannot be had ends the process under FailFatal, and gives 403
- * or NULL otherwise.
- *  - Status. 0 success; 402 ArrayStatusBadDimensions, a negative dimension (never fatal, whatever failMode,
- * where a form returns it), or dims NULL at a positive rank; 403 ArrayStatusNoMemory, storage failed, its
- * size overflows 64 bits, or elements of no type (code 0 or outside 0..13) were asked for; 1300
- * ArrayStatusNullArgument, no array. On any nonzero status the array holds what it held before the call,
- * elements included.
- *  - Shapes. rank dimensions, row-major; a rank below 1 is rank 0, a scalar: one element and no dims. A shape
- * with a zero dimension has no elements, data NULL and keeps its dims. New elements are not initialised.
- *  - Size limits. The number of elements is below 2^63 - 1.
- *  - Threads. An array is used by one thread at a time; it may be deleted on a thread other than the one that
- * made it. Distinct arrays may be used on any threads. refCount is a plain, not an atomic counter. */
+ *  - Ownership. The record, its dims block and its data block are three blocks of zalloc (memory.h) that belong to the
+ *    record; MNumericArray_delete frees all three. "Taken over" means that a block of the caller, which must come from
+ *    zalloc, belongs to the record from then on. dims that are not taken over are copied and stay the caller's.
+ *  - failMode. FailFatal, FailNull or FailReport (base.h). It governs dims and data; a record itself is allocated with
+ *    FailFatal always. Storage that cannot be had ends the process under FailFatal, and gives 403 or NULL otherwise.
+ *  - Status. On any nonzero status the array holds what it held before the call, elements included.
+ *      0     success.
+ *      402   ArrayStatusBadDimensions: a negative dimension, or dims NULL at a positive rank. Never fatal, whatever failMode.
+ *      403   ArrayStatusNoMemory: storage failed, its size overflows 64 bits, or elements of no type (code 0 or outside
+ *            0..13) were asked for.
+ *      1300  ArrayStatusNullArgument: no array.
+ *  - Shapes. rank dimensions, row-major; a rank below 1 is rank 0, a scalar: one element and no dims. A shape with a zero
+ *    dimension has no elements: data is NULL and dims are kept. New elements are not initialised. The number of elements is
+ *    below 2^63 - 1.
+ *  - Threads. An array is used by one thread at a time; it may be deleted on a thread other than the one that made it.
+ *    Distinct arrays may be used on any threads. refCount is a plain, not an atomic counter. */
 #ifndef VELORIM_ARRAY_H
 #define VELORIM_ARRAY_H
 
