@@ -24,7 +24,12 @@ enum class family : int32_t { reducing = 0, unary = 1, binary = 2, ternary = 3 }
 inline constexpr int32_t family_count = 4;
 inline constexpr int32_t vendor_count = 3;
 
+/// The pairs at startup, by family.
+inline constexpr length_pair default_lengths[family_count] = {
+    {16384, 32768}, {4096, 8192}, {4096, 8192}, {4096, 8192}};
+
 struct atomic_length_pair {
+  constexpr atomic_length_pair(length_pair pair) : chunk(pair.chunk), threshold(pair.threshold) {}
   std::atomic<mint> chunk;
   std::atomic<mint> threshold;
 };
@@ -36,7 +41,8 @@ struct settings_record {
   std::atomic<int32_t> hyper_thread_count{1};
   std::atomic<int32_t> thread_number{1};
   std::atomic<int32_t> sub_kernel{0};
-  atomic_length_pair lengths[family_count] = {{16384, 32768}, {4096, 8192}, {4096, 8192}, {4096, 8192}};
+  atomic_length_pair lengths[family_count] = {default_lengths[0], default_lengths[1], default_lengths[2],
+                                              default_lengths[3]};
   std::atomic<mint> vendor[vendor_count] = {INT64_MAX, INT64_MAX, INT64_MAX};
   std::atomic<bool> team_lost{false};  // in a forked child the threads of the team do not exist any more
 };

@@ -37,12 +37,11 @@ inline bool use_team(mint count, mint threshold) {
          !settings.team_lost.load(std::memory_order_relaxed);
 }
 
-/// Calls body(first, length) once for each chunk of 0 to count, on the team; chunk is at least 1. body must
-/// let no exception out: one that leaves a parallel region ends the process. omp_get_thread_num() within body
-/// is below team_size() as it was before the call.
-template <class Body> void for_chunks(mint count, mint chunk, Body&& body) {
+/// Calls body(first, length) once for each chunk of 0 to count, on a team of `threads`; chunk is at least 1.
+/// body must let no exception out: one that leaves a parallel region ends the process. omp_get_thread_num()
+/// within body is below threads.
+template <class Body> void for_chunks(mint count, mint chunk, Body&& body, int threads = team_size()) {
   const mint chunks = count / chunk + (count % chunk != 0);
-  const int threads = team_size();
 #pragma omp parallel for schedule(static, 1) num_threads(threads)
   for (mint i = 0; i < chunks; ++i) {
     const mint first = i * chunk;
