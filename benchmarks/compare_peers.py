@@ -27,7 +27,7 @@ PEER_NAMES = {"atan": "arctan", "asinh": "arcsinh", "abs": "absolute", "minus": 
 
 def read_cases():
     """(type, name, low, high) of every line of cases.def."""
-    pattern = re.compile(r"^(?:ELEMENTARY|INTEGER)\((\w+), (\w+), \d+, (\S+), (\S+)\)$", re.MULTILINE)
+    pattern = re.compile(r"^(?:ELEMENTARY|INTEGER)\((\w+), (\w+), (\S+), (\S+)\)$", re.MULTILINE)
     text = (HERE / "cases.def").read_text(encoding="utf-8")
     return [(m[1], m[2], float(m[3]), float(m[4])) for m in pattern.finditer(text)]
 

@@ -31,9 +31,9 @@ void add(const std::string& type, const std::string& name, int32_t number, doubl
 void register_elementary() {
   using Real64 = double;
   using Real32 = float;
-#define ELEMENTARY(type, name, number, low, high) \
-  add<type>(#type, #name, number, low, high, [](double x) { return std::name(x); });
-#define INTEGER(type, name, number, low, high)
+#define ELEMENTARY(type, name, low, high) \
+  add<type>(#type, #name, MachFunc_##name, low, high, [](double x) { return std::name(x); });
+#define INTEGER(type, name, low, high)
 #include "cases.def"
 #undef ELEMENTARY
 #undef INTEGER

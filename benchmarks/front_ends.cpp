@@ -31,8 +31,10 @@ void whole_call(benchmark::State& state, int32_t number, double (*reference)(dou
 }  // namespace
 
 void register_front_ends() {
-  benchmark::RegisterBenchmark("Math_T_T/sqrt/4", whole_call, 57, [](double x) { return std::sqrt(x); });
-  benchmark::RegisterBenchmark("Math_T_T/exp/4", whole_call, 32, [](double x) { return std::exp(x); });
+  benchmark::RegisterBenchmark("Math_T_T/sqrt/4", whole_call, MachFunc_sqrt,
+                               [](double x) { return std::sqrt(x); });
+  benchmark::RegisterBenchmark("Math_T_T/exp/4", whole_call, MachFunc_exp,
+                               [](double x) { return std::exp(x); });
 }
 
 }  // namespace bench

@@ -25,8 +25,8 @@ void add(const std::string& name, int32_t number, double low, double high,
 }  // namespace
 
 void register_integer() {
-#define ELEMENTARY(type, name, number, low, high)
-#define INTEGER(type, name, number, low, high) add(#type "/" #name, number, low, high, name);
+#define ELEMENTARY(type, name, low, high)
+#define INTEGER(type, name, low, high) add(#type "/" #name, MachFunc_##name, low, high, name);
 #include "cases.def"
 #undef ELEMENTARY
 #undef INTEGER

@@ -5,11 +5,9 @@
 namespace bench {
 namespace {
 
-constexpr int32_t exp_number = 32;
-
 void exp_kernel(benchmark::State& state, uint32_t flags) {
   const thread_number one(1);
-  run_into_new(state, MNumericArray_getUnaryVectorMachFunc(exp_number, MNumericArrayTypeReal64),
+  run_into_new(state, MNumericArray_getUnaryVectorMachFunc(MachFunc_exp, MNumericArrayTypeReal64),
                uniform<double>(state.range(0), -10, 10), flags, [](double x) { return std::exp(x); });
 }
 

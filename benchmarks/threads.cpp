@@ -9,8 +9,8 @@ constexpr mint long_length = 10'000'000;
 void exp_on_threads(benchmark::State& state, mint threads) {
   static const std::vector<double> x = uniform<double>(long_length, -10, 10);
   const thread_number team(threads);
-  run_into_new(state, MNumericArray_getUnaryVectorMachFunc(32, MNumericArrayTypeReal64), x, MACHFUNC_CHECK_FP,
-               [](double y) { return std::exp(y); });
+  run_into_new(state, MNumericArray_getUnaryVectorMachFunc(MachFunc_exp, MNumericArrayTypeReal64), x,
+               MACHFUNC_CHECK_FP, [](double y) { return std::exp(y); });
 }
 
 }  // namespace

@@ -86,22 +86,22 @@ typedef struct {
 } Run;
 
 static const Run runs_into_new[] = {
-    {FUNCTION_SQRT, PRECIPITATION, MTensorTypeReal, MACHFUNC_CHECK_FP},
-    {FUNCTION_LOG, PRECIPITATION, MTensorTypeReal, 0},
-    {FUNCTION_LOG, PRECIPITATION, MTensorTypeReal, MACHFUNC_CHECK_FP},
-    {FUNCTION_LOG1P, PRECIPITATION, MTensorTypeReal, MACHFUNC_CHECK_FP},
-    {FUNCTION_ABS, TEMP_MIN, MTensorTypeReal, 0},
-    {FUNCTION_SIGN, TEMP_MIN, MTensorTypeInteger, MACHFUNC_CHECK_INTEGER},
-    {FUNCTION_ROUND, TEMP_MAX, MTensorTypeInteger, 0},
-    {FUNCTION_ROUND, TEMP_MAX, MTensorTypeInteger, MACHFUNC_CHECK_INTEGER},
+    {MachFunc_sqrt, PRECIPITATION, MTensorTypeReal, MACHFUNC_CHECK_FP},
+    {MachFunc_log, PRECIPITATION, MTensorTypeReal, 0},
+    {MachFunc_log, PRECIPITATION, MTensorTypeReal, MACHFUNC_CHECK_FP},
+    {MachFunc_log1p, PRECIPITATION, MTensorTypeReal, MACHFUNC_CHECK_FP},
+    {MachFunc_abs, TEMP_MIN, MTensorTypeReal, 0},
+    {MachFunc_sign, TEMP_MIN, MTensorTypeInteger, MACHFUNC_CHECK_INTEGER},
+    {MachFunc_round, TEMP_MAX, MTensorTypeInteger, 0},
+    {MachFunc_round, TEMP_MAX, MTensorTypeInteger, MACHFUNC_CHECK_INTEGER},
 };
 
 static const Run runs_in_place[] = {
-    {FUNCTION_SQRT, WIND, MTensorTypeReal, 0},
-    {FUNCTION_SQRT, WIND, MTensorTypeReal, MACHFUNC_CHECK_FP},
-    {FUNCTION_LOG, PRECIPITATION, MTensorTypeReal, MACHFUNC_CHECK_FP},
-    {FUNCTION_LOG1P, PRECIPITATION, MTensorTypeReal, MACHFUNC_CHECK_FP},
-    {FUNCTION_ABS, TEMP_MIN, MTensorTypeReal, MACHFUNC_CHECK_FP},
+    {MachFunc_sqrt, WIND, MTensorTypeReal, 0},
+    {MachFunc_sqrt, WIND, MTensorTypeReal, MACHFUNC_CHECK_FP},
+    {MachFunc_log, PRECIPITATION, MTensorTypeReal, MACHFUNC_CHECK_FP},
+    {MachFunc_log1p, PRECIPITATION, MTensorTypeReal, MACHFUNC_CHECK_FP},
+    {MachFunc_abs, TEMP_MIN, MTensorTypeReal, MACHFUNC_CHECK_FP},
 };
 
 static int print_runs_into_new(MTensor* const columns[NUMERIC_COLUMNS]) {
@@ -135,11 +135,11 @@ static int print_runs_in_place(const WeatherTable* table) {
 static int print_integer_runs(const WeatherTable* table, const MTensor* temp_min) {
   mint outcome;
   MTensor* rounded = NULL;
-  int status = run_into_new(FUNCTION_ROUND, temp_min, "temp_min", MTensorTypeInteger, MACHFUNC_CHECK_INTEGER,
+  int status = run_into_new(MachFunc_round, temp_min, "temp_min", MTensorTypeInteger, MACHFUNC_CHECK_INTEGER,
                             &rounded);
   if (status == 0)
-    status = run_in_place(FUNCTION_ABS, rounded, "rounded t_min", MACHFUNC_CHECK_INTEGER, table, &outcome);
-  if (status == 0) status = run_in_place(FUNCTION_SIGN, rounded, "abs of that", 0, table, &outcome);
+    status = run_in_place(MachFunc_abs, rounded, "rounded t_min", MACHFUNC_CHECK_INTEGER, table, &outcome);
+  if (status == 0) status = run_in_place(MachFunc_sign, rounded, "abs of that", 0, table, &outcome);
   MTensor_delete(rounded);
   return status;
 }
@@ -178,11 +178,11 @@ static int print_count(const WeatherTable* table, int column, double offset, int
 
 static int print_counts(const WeatherTable* table) {
   printf("\n");
-  if (print_count(table, TEMP_MIN, 0.0, FUNCTION_SIGN, -1, "frost days: sign of temp_min is -1")) return 1;
-  if (print_count(table, TEMP_MAX, 30.0, FUNCTION_UNITSTEP, 1,
+  if (print_count(table, TEMP_MIN, 0.0, MachFunc_sign, -1, "frost days: sign of temp_min is -1")) return 1;
+  if (print_count(table, TEMP_MAX, 30.0, MachFunc_unitstep, 1,
                   "hot days: unitstep of temp_max less 30 deg C is 1"))
     return 1;
-  return print_count(table, PRECIPITATION, 10.0, FUNCTION_UNITSTEP, 1,
+  return print_count(table, PRECIPITATION, 10.0, MachFunc_unitstep, 1,
                      "days of heavy rain: unitstep of precipitation less 10 mm is 1");
 }
 
@@ -201,10 +201,10 @@ static int print_first_failure(const WeatherTable* table, mint* first) {
   int status = 0;
   MTensor* copy = real_tensor(table->values[PRECIPITATION], days);
   if (copy == NULL) return 1;
-  *first = TensorOp1(copy, copy, FUNCTION_LOG, MACHFUNC_CHECK_FP);
+  *first = TensorOp1(copy, copy, MachFunc_log, MACHFUNC_CHECK_FP);
   printf("\nlog of the precipitation\n");
   if (*first == -1 || (*first >= 0 && !rest_is_untouched(table, copy, *first))) {
-    status = call_failed("TensorOp1", FUNCTION_LOG, (long long)*first);
+    status = call_failed("TensorOp1", MachFunc_log, (long long)*first);
   } else if (*first >= 0) {
     printf("  first day that fails   %s, day %lld of %lld: %.1f mm, which has no finite log\n",
            table->dates[*first], (long long)*first + 1, (long long)days,
@@ -241,21 +241,21 @@ static MTensor* wet_days(const WeatherTable* table) {
 /* The log over the wet days alone, and their geometric mean: the exponential of the mean log, one number
  * through the scalar kernel. */
 static int print_wet_days(const WeatherTable* table) {
-  const MachFuncScalar1 exp_kernel = MTensor_getUnaryScalarMachFunc(FUNCTION_EXP, MTensorTypeReal);
+  const MachFuncScalar1 exp_kernel = MTensor_getUnaryScalarMachFunc(MachFunc_exp, MTensorTypeReal);
   MTensor* logs = NULL;
   mreal geometric = 0.0;
   int status = 0;
-  if (exp_kernel == NULL) return call_failed("MTensor_getUnaryScalarMachFunc", FUNCTION_EXP, 0);
+  if (exp_kernel == NULL) return call_failed("MTensor_getUnaryScalarMachFunc", MachFunc_exp, 0);
   MTensor* wet = wet_days(table);
   if (wet == NULL) return 1;
   const Summary rain = summarize(wet);
-  const int32_t outcome = Math_T_T(FUNCTION_LOG, MACHFUNC_CHECK_FP, wet, MTensorTypeReal, &logs);
+  const int32_t outcome = Math_T_T(MachFunc_log, MACHFUNC_CHECK_FP, wet, MTensorTypeReal, &logs);
   if (outcome != LibraryOk) {
-    status = call_failed("Math_T_T", FUNCTION_LOG, outcome);
+    status = call_failed("Math_T_T", MachFunc_log, outcome);
   } else {
     const Summary log_rain = summarize(logs);
     if (exp_kernel(&geometric, &log_rain.mean, MACHFUNC_CHECK_FP) != 0)
-      status = call_failed("the scalar kernel", FUNCTION_EXP, 1);
+      status = call_failed("the scalar kernel", MachFunc_exp, 1);
     printf(
         "  what was done          dry days stay out of the log and are counted on their own: %lld of %zu;\n",
         (long long)((mint)table->days - rain.finite), table->days);
@@ -282,8 +282,8 @@ static size_t end_of_year(const WeatherTable* table, size_t start) {
 /* The first day of each year that fails, by the vector kernel itself, run in place on the year's part of a
  * copy: its return is the one-based position in the run, or 0. */
 static int print_years(const WeatherTable* table) {
-  const MachFuncVector1 log_kernel = MTensor_getUnaryVectorMachFunc(FUNCTION_LOG, MTensorTypeReal);
-  if (log_kernel == NULL) return call_failed("MTensor_getUnaryVectorMachFunc", FUNCTION_LOG, 0);
+  const MachFuncVector1 log_kernel = MTensor_getUnaryVectorMachFunc(MachFunc_log, MTensorTypeReal);
+  if (log_kernel == NULL) return call_failed("MTensor_getUnaryVectorMachFunc", MachFunc_log, 0);
   MTensor* copy = real_tensor(table->values[PRECIPITATION], (mint)table->days);
   if (copy == NULL) return 1;
   printf("  first by year         ");

@@ -5,21 +5,21 @@
 
 const char* function_name(int32_t number) {
   switch (number) {
-    case FUNCTION_EXP:
+    case MachFunc_exp:
       return "exp";
-    case FUNCTION_LOG:
+    case MachFunc_log:
       return "log";
-    case FUNCTION_LOG1P:
+    case MachFunc_log1p:
       return "log1p";
-    case FUNCTION_ABS:
+    case MachFunc_abs:
       return "abs";
-    case FUNCTION_SIGN:
+    case MachFunc_sign:
       return "sign";
-    case FUNCTION_ROUND:
+    case MachFunc_round:
       return "round";
-    case FUNCTION_SQRT:
+    case MachFunc_sqrt:
       return "sqrt";
-    case FUNCTION_UNITSTEP:
+    case MachFunc_unitstep:
       return "unitstep";
     default:
       return "?";

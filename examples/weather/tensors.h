@@ -4,18 +4,7 @@
 
 #include <velorim/velorim.h>
 
-/* Numbers of the machine functions that the example runs. */
-enum {
-  FUNCTION_EXP = 32,
-  FUNCTION_LOG = 34,
-  FUNCTION_LOG1P = 35,
-  FUNCTION_ABS = 38,
-  FUNCTION_SIGN = 44,
-  FUNCTION_ROUND = 49,
-  FUNCTION_SQRT = 57,
-  FUNCTION_UNITSTEP = 66
-};
-
+/* Name of a machine function that the example runs. */
 const char* function_name(int32_t number);
 
 /* A rank-1 tensor of reals; the library owns the storage, MTensor_delete gives it back. Null after a message

@@ -16,11 +16,11 @@ typedef struct {
 } Work;
 
 static const Work works[WORKS] = {
-    {FUNCTION_SQRT, PRECIPITATION, MTensorTypeReal, MACHFUNC_CHECK_FP},
-    {FUNCTION_LOG1P, PRECIPITATION, MTensorTypeReal, MACHFUNC_CHECK_FP},
-    {FUNCTION_EXP, TEMP_MIN, MTensorTypeReal, MACHFUNC_CHECK_FP},
-    {FUNCTION_ABS, TEMP_MIN, MTensorTypeReal, MACHFUNC_CHECK_FP},
-    {FUNCTION_ROUND, TEMP_MAX, MTensorTypeInteger, MACHFUNC_CHECK_INTEGER},
+    {MachFunc_sqrt, PRECIPITATION, MTensorTypeReal, MACHFUNC_CHECK_FP},
+    {MachFunc_log1p, PRECIPITATION, MTensorTypeReal, MACHFUNC_CHECK_FP},
+    {MachFunc_exp, TEMP_MIN, MTensorTypeReal, MACHFUNC_CHECK_FP},
+    {MachFunc_abs, TEMP_MIN, MTensorTypeReal, MACHFUNC_CHECK_FP},
+    {MachFunc_round, TEMP_MAX, MTensorTypeInteger, MACHFUNC_CHECK_INTEGER},
 };
 
 static double seconds_now(void) {

@@ -117,6 +117,9 @@ typedef struct {
   {number,         #name, integers, reals, {range_integer, range_real, range_complex}, I_##integers(name), \
    R_##reals(name)},
 
+#define CHECK_ENUMERATOR(number, name, ...) _Static_assert(MachFunc_##name == (number), #name " is " #number);
+ROWS(CHECK_ENUMERATOR)
+
 static const Row rows[] = {ROWS(AS_ROW)};
 enum { ROW_COUNT = sizeof rows / sizeof *rows, LAST_NUMBER = 86 };
 
