@@ -145,7 +145,9 @@ static int print_integer_runs(const WeatherTable* table, const MTensor* temp_min
 }
 
 static int print_table_of_functions(const WeatherTable* table, MTensor* const columns[NUMERIC_COLUMNS]) {
-  printf("\n");
+  printf(
+      "\nAn outcome from 0 in place is the index of the first day that failed. min, mean, max: finite "
+      "results.\n");
   printf(row_format, "function", "of", "call", "target", "checks", "outcome");
   printf("%7s%9s%9s%9s\n", "finite", "min", "mean", "max");
   if (print_runs_into_new(columns) != 0) return 1;
@@ -259,45 +261,43 @@ static int print_wet_days(const WeatherTable* table) {
     printf(
         "  what was done          dry days stay out of the log and are counted on their own: %lld of %zu;\n",
         (long long)((mint)table->days - rain.finite), table->days);
-    printf("                         the log runs over the %lld wet days, all of them good",
-           (long long)rain.finite);
-    if (rain.finite > 0)
-      printf(": mean %.2f mm,\n                         geometric mean %.2f mm, log from %.2f to %.2f",
-             rain.mean, geometric, log_rain.min, log_rain.max);
-    printf(
-        ";\n                         where every day must count, log1p (log of 1 + mm) stands in the table "
-        "above\n");
+    if (rain.finite > 0) {
+      printf("                         the log runs over the %lld wet days: mean %.2f mm,\n",
+             (long long)rain.finite, rain.mean);
+      printf("                         geometric mean %.2f mm, log from %.2f to %.2f;\n", geometric,
+             log_rain.min, log_rain.max);
+    } else {
+      printf("                         there is no wet day for the log to run over;\n");
+    }
+    printf("                         log1p (log of 1 + mm), in the table above, takes every day\n");
   }
   MTensor_delete(logs);
   MTensor_delete(wet);
   return status;
 }
 
-static size_t end_of_year(const WeatherTable* table, size_t start) {
-  size_t end = start;
-  while (end < table->days && memcmp(table->dates[end], table->dates[start], 4) == 0) end++;
-  return end;
-}
-
-/* The first day of each year that fails, by the vector kernel itself, run in place on the year's part of a
- * copy: its return is the one-based position in the run, or 0. */
-static int print_years(const WeatherTable* table) {
+/* The longest spell of days that all have a log, by the vector kernel itself: run in place over what is left of a
+ * copy, it stops at the next dry day and answers that day's one-based position in the run, or 0 if there is none. */
+static int print_longest_wet_spell(const WeatherTable* table) {
   const MachFuncVector1 log_kernel = MTensor_getUnaryVectorMachFunc(MachFunc_log, MTensorTypeReal);
   if (log_kernel == NULL) return call_failed("MTensor_getUnaryVectorMachFunc", MachFunc_log, 0);
-  MTensor* copy = real_tensor(table->values[PRECIPITATION], (mint)table->days);
+  const mint days = (mint)table->days;
+  mint longest = 0, longest_start = 0;
+  MTensor* copy = real_tensor(table->values[PRECIPITATION], days);
   if (copy == NULL) return 1;
-  printf("  first by year         ");
-  for (size_t start = 0; start < table->days;) {
-    const size_t end = end_of_year(table, start);
-    mreal* year = (mreal*)copy->data + start;
-    const mint position = log_kernel(year, year, (mint)(end - start), UnitIncrements, MACHFUNC_CHECK_FP);
-    if (position == 0)
-      printf(" %.4s: none", table->dates[start]);
-    else
-      printf(" %s", table->dates[start + (size_t)position - 1]);
-    start = end;
+  for (mint start = 0; start < days;) {
+    mreal* rest = (mreal*)copy->data + start;
+    const mint position = log_kernel(rest, rest, days - start, UnitIncrements, MACHFUNC_CHECK_FP);
+    const mint spell = position == 0 ? days - start : position - 1;
+    if (spell > longest) {
+      longest = spell;
+      longest_start = start;
+    }
+    start += spell + 1;
   }
-  printf("\n");
+  if (longest > 0)
+    printf("  longest without one    %lld days, %s to %s\n", (long long)longest, table->dates[longest_start],
+           table->dates[longest_start + longest - 1]);
   MTensor_delete(copy);
   return 0;
 }
@@ -306,7 +306,7 @@ static int print_log_report(const WeatherTable* table) {
   mint first;
   if (print_first_failure(table, &first) != 0) return 1;
   if (first < 0) return 0;
-  if (print_years(table) != 0) return 1;
+  if (print_longest_wet_spell(table) != 0) return 1;
   return print_wet_days(table);
 }
 

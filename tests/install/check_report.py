@@ -95,17 +95,16 @@ for what, count in COUNTS.items():
     check(any(r.startswith(what) and r.endswith(f" {count}") for r in rows), f"{what}: {count}")
 
 wet = [x for x in rain if x > 0]
-years = {}
-for day, x in zip(DAYS, rain):
-    if x <= 0:
-        years.setdefault(day["date"][:4], day["date"])
+spells = re.finditer("w+", "".join("w" if x > 0 else "d" for x in rain))
+spell = max(spells, key=lambda match: match.end() - match.start())
 flat = " ".join(rows)
 for sentence in [
     f"first day that fails {DAYS[first_dry]['date']}, day {first_dry + 1} of {len(DAYS)}: {rain[first_dry]:.1f} mm",
     f"stopped there: the {first_dry} days before it hold logs, it and the {len(DAYS) - first_dry - 1} after it "
     "still hold their millimetres",
-    "first by year " + " ".join(years.values()),
-    f"counted on their own: {len(DAYS) - len(wet)} of {len(DAYS)}; the log runs over the {len(wet)} wet days",
+    f"longest without one {spell.end() - spell.start()} days, {DAYS[spell.start()]['date']} to "
+    f"{DAYS[spell.end() - 1]['date']}",
+    f"counted on their own: {len(DAYS) - len(wet)} of {len(DAYS)}; the log runs over the {len(wet)} wet days: "
     f"mean {sum(wet) / len(wet):.2f} mm, geometric mean {math.exp(sum(map(math.log, wet)) / len(wet)):.2f} mm, "
     f"log from {math.log(min(wet)):.2f} to {math.log(max(wet)):.2f}",
 ]:
@@ -116,7 +115,7 @@ if "--repeat" in sys.argv[3:]:
     table = re.findall(r"^(\w+) +\w+ +(\d+) +(\d+) +\d+\.\d\d$", measured.stdout, re.MULTILINE)
     check([row[0] for row in table] == ["sqrt", "log1p", "exp", "abs", "round"], f"rows of --repeat: {table}")
     check(all(int(row[1]) > 0 and int(row[2]) > 0 for row in table), f"rates of --repeat: {table}")
-    check("run 1 of 1" in measured.stderr and "\r" in measured.stderr, "no progress line")
+    check(re.search("sqrt +on 1 thread, run 1 of 1", measured.stderr), f"no progress line: {measured.stderr!r}")
 
 print(f"{failures} failures")
 sys.exit(1 if failures else 0)
