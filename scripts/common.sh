@@ -4,6 +4,7 @@
 ROOT=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 JOBS=$(nproc)
 SCRIPT=$(basename "$0")
+LAUNCH=() # put before what a build or a test run starts
 export ROOT JOBS
 
 # One line a step, with the time since the script began.
@@ -29,7 +30,7 @@ configure() {
 # build NAME [targets]: builds with ninja's own progress line.
 build() {
   step "build build/$1 (${*:2})"
-  ninja -C "$ROOT/build/$1" -j "$JOBS" "${@:2}" ||
+  "${LAUNCH[@]}" ninja -C "$ROOT/build/$1" -j "$JOBS" "${@:2}" ||
     die "the build in build/$1 failed; the first error above tells the file and line. 'rm -rf build/$1' starts afresh."
 }
 
