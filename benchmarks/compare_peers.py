@@ -1,0 +1,190 @@
+"""Measures the benchmarks of the library and the same work in NumPy, in turn, and prints both side by side.
+
+How the two sides are kept alike: the same ranges and lengths (cases.def), contiguous operands, an output given beforehand, one
+thread, checks of the library on. A measurement is the mean of the calls of one batch of some 20 ms by the wall clock. Each round
+measures every case once on the library and once on NumPy, one right after the other; the smallest batch of all rounds counts. In
+place both sides lay the input out anew before each call and time the call alone.
+"""
+import argparse
+import json
+import os
+import pathlib
+import platform
+import re
+import statistics
+import subprocess
+import sys
+import time
+
+import numpy as np
+
+HERE = pathlib.Path(__file__).resolve().parent
+LENGTH = 100_000
+BATCH_SECONDS = 0.02
+DTYPES = {"Real64": np.float64, "Real32": np.float32, "Integer64": np.int64}
+PEER_NAMES = {"atan": "arctan", "asinh": "arcsinh", "abs": "absolute", "minus": "negative"}
+
+
+def read_cases():
+    """(type, name, low, high) of every line of cases.def."""
+    pattern = re.compile(r"^(?:ELEMENTARY|INTEGER)\((\w+), (\w+), (\S+), (\S+)\)$", re.MULTILINE)
+    text = (HERE / "cases.def").read_text(encoding="utf-8")
+    return [(m[1], m[2], float(m[3]), float(m[4])) for m in pattern.finditer(text)]
+
+
+def measure_library(program, name, suffix=""):
+    """Nanoseconds of a call."""
+    command = [program, f"--benchmark_filter=^{name}{suffix}$", "--benchmark_format=json",
+               f"--benchmark_min_time={BATCH_SECONDS}"]
+    run = subprocess.run(command, capture_output=True, text=True, check=False)
+    if run.returncode != 0:
+        sys.exit(f"compare_peers: {' '.join(command)} failed: {run.stdout[-500:]} {run.stderr[-500:]}")
+    rows = json.loads(run.stdout)["benchmarks"]
+    if len(rows) != 1:
+        sys.exit(f"compare_peers: {len(rows)} benchmarks are called {name}{suffix}")
+    return rows[0]["real_time"] * {"ns": 1, "us": 1e3, "ms": 1e6}[rows[0]["time_unit"]]
+
+
+class Peer:
+    """One function of NumPy on one input."""
+
+    def __init__(self, kind, name, low, high):
+        self.function = getattr(np, PEER_NAMES.get(name, name))
+        self.x = np.random.default_rng(20120101).uniform(low, high, LENGTH).astype(DTYPES[kind])
+        self.out = np.empty_like(self.x)
+        self.calls = 1
+
+    def into_new(self):
+        function, x, out = self.function, self.x, self.out
+        start = time.perf_counter_ns()
+        for _ in range(self.calls):
+            function(x, out=out)
+        return (time.perf_counter_ns() - start) / self.calls
+
+    def in_place(self):
+        function, x, out, total = self.function, self.x, self.out, 0
+        for _ in range(self.calls):
+            np.copyto(out, x)
+            start = time.perf_counter_ns()
+            function(out, out=out)
+            total += time.perf_counter_ns() - start
+        return total / self.calls
+
+    def calibrate(self, measure):
+        self.calls = 1
+        self.calls = max(1, round(BATCH_SECONDS * 1e9 / max(1, min(measure() for _ in range(5)))))
+
+
+def build_rows(program):
+    """Key -> (measure of the library, measure of the peer), both without arguments and in nanoseconds a call."""
+    rows = {}
+    for kind, name, low, high in read_cases():
+        for place in ("new", "in_place"):
+            if place == "in_place" and kind != "Real64":
+                continue
+            peer = Peer(kind, name, low, high)
+            measure = peer.into_new if place == "new" else peer.in_place
+            peer.calibrate(measure)
+            suffix = "/manual_time" if place == "in_place" else ""
+            rows[kind, name, place] = (
+                lambda key=f"{kind}/{name}/{place}", suffix=suffix: measure_library(program, key, suffix), measure)
+    return rows
+
+
+def measure_all(program, rounds):
+    rows = build_rows(program)
+    alone = {"threads/exp/1": "/real_time", "threads/exp/2": "/real_time", "Math_T_T/sqrt/4": "", "Math_T_T/exp/4": ""}
+    library, peer = {}, {}
+    for number in range(1, rounds + 1):
+        print(f"\rround {number} of {rounds}", end="", file=sys.stderr, flush=True)
+        for key, (ours, theirs) in rows.items():
+            library[key] = min(library.get(key, float("inf")), ours())
+            peer[key] = min(peer.get(key, float("inf")), theirs())
+        for key, suffix in alone.items():
+            library[key] = min(library.get(key, float("inf")), measure_library(program, key, suffix))
+    print("\r" + " " * 30 + "\r", end="", file=sys.stderr)
+    return library, peer
+
+
+def print_rows(library, peer, out):
+    print(f"\n{'nanoseconds an element, 100,000 elements':<44}{'library':>9}{'NumPy':>9}{'ratio':>8}", file=out)
+    for kind, name, place in peer:
+        key = (kind, name, place)
+        label = f"{kind} {name} {'in place' if place == 'in_place' else 'out of place'}"
+        print(f"{label:<44}{library[key] / LENGTH:9.3f}{peer[key] / LENGTH:9.3f}{library[key] / peer[key]:8.2f}", file=out)
+
+
+def print_bars(library, peer, out):
+    """The table of bars; true if all are met."""
+
+    def ratios(kind, place):
+        return [library[key] / peer[key] for key in peer if (key[0], key[2]) == (kind, place)]
+
+    # what, measured value, bar, whether the value must be at most (or else at least) the bar, unit
+    bars = [
+        ("Real64 elementary, out of place: median ratio", statistics.median(ratios("Real64", "new")), 1.25, True, ""),
+        ("Real64 elementary, in place: median ratio", statistics.median(ratios("Real64", "in_place")), 1.6, True, ""),
+        ("Real32 exp, log, sin, sqrt: worst ratio", max(ratios("Real32", "new")), 1.5, True, ""),
+        ("Integer64 abs, minus, square: worst ratio", max(ratios("Integer64", "new")), 1.3, True, ""),
+        ("exp over 10 million: 2 threads against 1", library["threads/exp/1"] / library["threads/exp/2"], 1.8, False, ""),
+        ("Math_T_T on 4 elements, sqrt", library["Math_T_T/sqrt/4"], 60.0, True, " ns"),
+        ("Math_T_T on 4 elements, exp", library["Math_T_T/exp/4"], 60.0, True, " ns"),
+    ]
+    print(f"\n{'bar':<50}{'measured':>11}{'to meet':>15}", file=out)
+    all_met = True
+    for what, value, bar, at_most, unit in bars:
+        met = value <= bar if at_most else value >= bar
+        all_met = all_met and met
+        limit = f"{'at most' if at_most else 'at least'} {bar:g}{unit}"
+        print(f"{what:<50}{f'{value:.2f}{unit}':>11}{limit:>18}  {'met' if met else 'MISSED'}", file=out)
+    return all_met
+
+
+def machine():
+    model = "unknown processor"
+    for line in open("/proc/cpuinfo", encoding="utf-8"):
+        if line.startswith("model name"):
+            model = line.split(":", 1)[1].strip()
+            break
+    return f"{model}, {os.cpu_count()} processors, {platform.system()} {platform.machine()}, NumPy {np.__version__}"
+
+
+class Tee:
+    """Writes to several files at once."""
+
+    def __init__(self, *files):
+        self.files = files
+
+    def write(self, text):
+        for file in self.files:
+            file.write(text)
+
+    def flush(self):
+        for file in self.files:
+            file.flush()
+
+
+def main():
+    parser = argparse.ArgumentParser(description="Sets the benchmarks beside NumPy.")
+    parser.add_argument("program", help="the built velorim_benchmarks")
+    parser.add_argument("--rounds", type=int, default=12, help="rounds of measuring (default 12)")
+    parser.add_argument("--save", action="store_true", help="also write results/compare_peers.txt")
+    options = parser.parse_args()
+    if options.rounds < 1:
+        parser.error("--rounds must be at least 1")
+
+    library, peer = measure_all(options.program, options.rounds)
+    outputs = [sys.stdout]
+    if options.save:
+        outputs.append(open(HERE / "results" / "compare_peers.txt", "w", encoding="utf-8"))
+    out = Tee(*outputs)
+    print(machine(), file=out)
+    print(f"{time.strftime('%Y-%m-%d')}, smallest of {options.rounds} rounds", file=out)
+    print_rows(library, peer, out)
+    all_met = print_bars(library, peer, out)
+    print("\nall bars met" if all_met else "\nnot all bars met", file=out)
+    out.flush()
+
+
+if __name__ == "__main__":
+    main()
