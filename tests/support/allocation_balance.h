@@ -1,0 +1,55 @@
+// Checks of memory behaviour that every room's tests share.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <source_location>
+
+#include "Memory/failure_injection.h"
+#include "velorim/memory.h"
+
+namespace vlm::test {
+
+/// Fails the test if the calling thread does not hold as many bytes when it goes as when it came.
+class AllocationBalance {
+ public:
+  explicit AllocationBalance(std::source_location where = std::source_location::current()) : where_(where) {
+    CompactifyMemory();
+    start_ = MemoryInUse();
+  }
+  ~AllocationBalance() {
+    CompactifyMemory();
+    EXPECT_EQ(difference(), 0) << "bytes still in use since " << where_.file_name() << ":" << where_.line();
+  }
+  AllocationBalance(const AllocationBalance&) = delete;
+  AllocationBalance& operator=(const AllocationBalance&) = delete;
+
+  int64_t difference() const { return MemoryInUse() - start_; }
+
+ private:
+  std::source_location where_;
+  int64_t start_;
+};
+
+/// Runs the operation again and again, its first, second, ... allocation failing, until none fails.
+/// operation() returns whether it succeeded and frees what it made. Every run must be balanced, must fail
+/// when an allocation did, and must succeed when none did. Returns how many runs failed: 0 means that the
+/// operation allocates nothing that may fail.
+template <class Operation>
+int64_t for_each_failing_allocation(Operation&& operation, int64_t most_allocations = 1000) {
+  for (int64_t n = 0; n <= most_allocations; ++n) {
+    SCOPED_TRACE(testing::Message() << n << " allocations succeed, the next one fails");
+    const AllocationBalance balance;
+    memory::fail_allocation_after(n);
+    const bool succeeded = operation();
+    const bool failed_one = !memory::allocation_failure_pending();
+    memory::fail_allocation_after(-1);
+    EXPECT_EQ(succeeded, !failed_one);
+    if (!failed_one) return n;
+  }
+  ADD_FAILURE() << "more than " << most_allocations << " allocations";
+  return most_allocations;
+}
+
+}  // namespace vlm::test
