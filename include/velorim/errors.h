@@ -89,7 +89,8 @@ CompilerError* CompilerError_null(void) VLM_NOEXCEPT;
  *  returns  NULL if the function ended without a report; else a new CompilerError of type 4 with the code of the report. */
 CompilerError* catchExceptionHandler(void* argument, void* handler);
 /** Runs function(a, b, c, d) under a frame. returns  0; 1 if a report arrived. */
-int32_t VelorimCompiler_CatchBase(void (*function)(void* a, void* b, void* c, void* d), void* a, void* b, void* c, void* d);
+int32_t VelorimCompiler_CatchBase(void (*function)(void* a, void* b, void* c, void* d), void* a, void* b,
+                                  void* c, void* d);
 
 /* ---- Aborts ---- */
 

@@ -4,12 +4,13 @@
 
 #include "velorim/floating_point.h"
 
-const mreal dInfinity = std::numeric_limits<mreal>::infinity();
-const mreal MachinePrecision = -std::numeric_limits<mreal>::infinity();
-const mreal MachineOverflow = std::numeric_limits<mreal>::infinity();
-const mreal log2ten = 3.321928094887362;
-const mreal logten = 2.302585092994046;
-const mreal logtwo = 0.6931471805599453;
+// Declared extern, so that constexpr leaves them their external linkage.
+constexpr mreal dInfinity = std::numeric_limits<mreal>::infinity();
+constexpr mreal MachinePrecision = -std::numeric_limits<mreal>::infinity();
+constexpr mreal MachineOverflow = std::numeric_limits<mreal>::infinity();
+constexpr mreal log2ten = 3.321928094887362;
+constexpr mreal logten = 2.302585092994046;
+constexpr mreal logtwo = 0.6931471805599453;
 
 // Compiled code holds copies of these: the bits are part of the interface.
 static_assert(std::bit_cast<uint64_t>(dInfinity) == 0x7FF0000000000000);

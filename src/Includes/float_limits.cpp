@@ -8,18 +8,18 @@
 namespace vlm {
 namespace {
 
-template <class T>
-constexpr FloatLimits float_limits() {
+template <class T> constexpr FloatLimits float_limits() {
   using limits = std::numeric_limits<T>;
   static_assert(limits::is_iec559 && limits::digits == element_of<T>::digits);
-  return {limits::max(),     limits::min(),  limits::denorm_min(),  limits::lowest(),
+  return {limits::max(),     limits::min(),  limits::denorm_min(), limits::lowest(),
           limits::epsilon(), limits::digits, limits::max_exponent, limits::min_exponent};
 }
 
 constexpr FloatLimits real64_limits = float_limits<double>();
 constexpr FloatLimits real32_limits = float_limits<float>();
 // binary16: 5 bits of exponent, 10 bits of fraction.
-constexpr FloatLimits real16_limits = {65504.0, 0x1p-14, 0x1p-24, -65504.0, 0x1p-10, element_of<real16>::digits, 16, -13};
+constexpr FloatLimits real16_limits = {
+    65504.0, 0x1p-14, 0x1p-24, -65504.0, 0x1p-10, element_of<real16>::digits, 16, -13};
 
 static_assert(std::bit_cast<uint64_t>(real64_limits.max) == 0x7FEFFFFFFFFFFFFF);
 static_assert(std::bit_cast<uint64_t>(real64_limits.min) == 0x0010000000000000);

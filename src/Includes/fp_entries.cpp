@@ -19,6 +19,8 @@ int32_t test_fp_environment() noexcept { return vlm::fp::test_flags() != 0; }
 
 int32_t cTESTFPOV(mreal re, mreal im) noexcept { return vlm::is_fp_exception(mcomplex{re, im}); }
 
-int32_t MComplexUnderflowQ(mreal re, mreal im) noexcept { return vlm::below_normal(re) || vlm::below_normal(im); }
+int32_t MComplexUnderflowQ(mreal re, mreal im) noexcept {
+  return vlm::below_normal(re) || vlm::below_normal(im);
+}
 
 int32_t MComplexUnderflow0Q(mreal re, mreal im) noexcept { return vlm::subnormal(re) || vlm::subnormal(im); }

@@ -11,30 +11,23 @@ namespace vlm {
 
 /// A replacement as the real type takes it: beyond its finite range the nearest end of it, else rounded to the type. Double
 /// stays as it is, infinities too.
-template <class Real>
-Real fp_replacement(double value);
+template <class Real> Real fp_replacement(double value);
 
-template <>
-inline double fp_replacement<double>(double value) {
-  return value;
-}
-template <>
-inline float fp_replacement<float>(double value) {
+template <> inline double fp_replacement<double>(double value) { return value; }
+template <> inline float fp_replacement<float>(double value) {
   constexpr double largest = std::numeric_limits<float>::max();
   if (value < -largest) return -std::numeric_limits<float>::max();
   if (value > largest) return std::numeric_limits<float>::max();
   return static_cast<float>(value);
 }
-template <>
-inline real16 fp_replacement<real16>(double value) {
+template <> inline real16 fp_replacement<real16>(double value) {
   if (value < -65504.0) return negated(real16_max);
   if (value > 65504.0) return real16_max;
   return real16_format::round(value).value;
 }
 
 /// What takes the place of each kind, in the type of the numbers.
-template <class Real>
-struct fp_replacements {
+template <class Real> struct fp_replacements {
   Real nan, plus_infinity, minus_infinity;
 
   /// Leaves the exception flags as they are: comparing and rounding NaNs would raise invalid.
@@ -51,7 +44,8 @@ struct fp_replacements {
 
 /// Replaces in count adjacent elements. A block without exception values is only read.
 template <class T>
-void fp_exception_replace_iterate(T* data, mint count, const fp_replacements<typename fp_parts<T>::real>& with) {
+void fp_exception_replace_iterate(T* data, mint count,
+                                  const fp_replacements<typename fp_parts<T>::real>& with) {
   using real = typename fp_parts<T>::real;
   using format = fp_format<real>;
   using bits = typename format::bits;

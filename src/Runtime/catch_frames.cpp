@@ -71,11 +71,10 @@ template <class Function>
   return static_cast<uint32_t>(jumped);
 }
 
-template <class Function>
-arrival run_frame(const Function& function) {
+template <class Function> arrival run_frame(const Function& function) {
   const frame_record frame = enter_frame();
-  const arrival report =
-      frame.style == exception_style::long_jump ? run_jumpable(frame, function) : run_handled(frame, function);
+  const arrival report = frame.style == exception_style::long_jump ? run_jumpable(frame, function)
+                                                                   : run_handled(frame, function);
   const uint32_t stored = leave_frame(frame);
   if (report) return report;
   return stored != 0 ? arrival{stored} : std::nullopt;
@@ -97,10 +96,11 @@ constexpr int32_t frame_error_type = 4;
 CompilerError* catchExceptionHandler(void* argument, void* handler) {
   const auto run = static_cast<const vlm::handler_object*>(handler)->record->run;
   const vlm::arrival report = vlm::run_frame([=] { run(argument, handler); });
-  return report ? New_CompilerError(vlm::frame_error_type, static_cast<int32_t>(*report)) : CompilerError_null();
+  return report ? New_CompilerError(vlm::frame_error_type, static_cast<int32_t>(*report))
+                : CompilerError_null();
 }
 
-int32_t VelorimCompiler_CatchBase(void (*function)(void* a, void* b, void* c, void* d), void* a, void* b, void* c,
-                                  void* d) {
+int32_t VelorimCompiler_CatchBase(void (*function)(void* a, void* b, void* c, void* d), void* a, void* b,
+                                  void* c, void* d) {
   return vlm::run_frame([=] { function(a, b, c, d); }).has_value();
 }

@@ -46,8 +46,7 @@ constexpr tear_down_step full_steps[] = {
     {"allocator", memory_tear_down},
 };
 
-template <size_t N>
-void run_steps(const tear_down_step (&steps)[N]) {
+template <size_t N> void run_steps(const tear_down_step (&steps)[N]) {
   for (const tear_down_step& step : steps) {
     if (step.run != nullptr) step.run();
   }

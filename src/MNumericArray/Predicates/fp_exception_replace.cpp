@@ -9,9 +9,11 @@ namespace {
 
 template <class T>
 void replace(T* data, mint count, const fp_replacements<typename fp_parts<T>::real>& with) {
-  if (!parallel::use_team(count, fp_parallel_threshold<T>)) return fp_exception_replace_iterate(data, count, with);
-  parallel::for_chunks(count, fp_parallel_chunk<T>,
-                       [&](mint first, mint length) { fp_exception_replace_iterate(data + first, length, with); });
+  if (!parallel::use_team(count, fp_parallel_threshold<T>))
+    return fp_exception_replace_iterate(data, count, with);
+  parallel::for_chunks(count, fp_parallel_chunk<T>, [&](mint first, mint length) {
+    fp_exception_replace_iterate(data + first, length, with);
+  });
 }
 
 }  // namespace

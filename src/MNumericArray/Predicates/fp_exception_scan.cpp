@@ -9,8 +9,7 @@
 namespace vlm {
 namespace {
 
-template <class T>
-bool scan(const T* data, mint count, mint stride) {
+template <class T> bool scan(const T* data, mint count, mint stride) {
   if (count <= 0) return false;
   if (stride < 0) data += (1 - count) * stride;
   if (!parallel::use_team(count, fp_parallel_threshold<T>)) return fp_exception_iterate(data, count, stride);
@@ -30,17 +29,21 @@ bool scan(const T* data, mint count, mint stride) {
 
 int32_t MNumericArrayData_fpexceptionQ(int32_t type, mint count, const void* data, mint stride) noexcept {
   bool found = false;
-  vlm::with_floating_type(type, [&]<class T>() { found = vlm::scan(static_cast<const T*>(data), count, stride); });
+  vlm::with_floating_type(type,
+                          [&]<class T>() { found = vlm::scan(static_cast<const T*>(data), count, stride); });
   return found;
 }
 
 int32_t MNumericArray_fpexceptionQ(const MNumericArray* array) noexcept {
   if (array == nullptr) return 0;
-  return MNumericArrayData_fpexceptionQ(static_cast<int32_t>(array->elementType), array->flattenedLength, array->data, 1);
+  return MNumericArrayData_fpexceptionQ(static_cast<int32_t>(array->elementType), array->flattenedLength,
+                                        array->data, 1);
 }
 
 int32_t TensorOverflowQ(const MTensor* tensor) noexcept { return MNumericArray_fpexceptionQ(tensor); }
 
 int32_t MRealArrayOverflowQ(const mreal* data, mint count) noexcept { return vlm::scan(data, count, 1); }
 
-int32_t MComplexArrayOverflowQ(const mcomplex* data, mint count) noexcept { return vlm::scan(data, count, 1); }
+int32_t MComplexArrayOverflowQ(const mcomplex* data, mint count) noexcept {
+  return vlm::scan(data, count, 1);
+}
