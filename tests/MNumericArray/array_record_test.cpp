@@ -29,10 +29,11 @@ struct type_row {
 };
 
 // Written out by hand, one row for each code from 0 to 13.
-constexpr type_row rows[14] = {
-    {0, 0, 0x00, true, 16},  {1, 0, 0x83, true, 8},   {1, 0, 0x83, true, 8},   {2, 0, 0x83, true, 8},  {2, 0, 0x83, true, 8},
-    {4, 0, 0x83, true, 8},   {4, 0, 0x83, true, 8},   {8, 2, 0x83, true, 8},   {8, 0, 0x83, true, 8},  {4, 0, 0x83, false, 16},
-    {8, 3, 0x83, false, 16}, {8, 0, 0x8B, false, 16}, {16, 4, 0x8B, false, 16}, {2, 0, 0x83, false, 16}};
+constexpr type_row rows[14] = {{0, 0, 0x00, true, 16},   {1, 0, 0x83, true, 8},   {1, 0, 0x83, true, 8},
+                               {2, 0, 0x83, true, 8},    {2, 0, 0x83, true, 8},   {4, 0, 0x83, true, 8},
+                               {4, 0, 0x83, true, 8},    {8, 2, 0x83, true, 8},   {8, 0, 0x83, true, 8},
+                               {4, 0, 0x83, false, 16},  {8, 3, 0x83, false, 16}, {8, 0, 0x8B, false, 16},
+                               {16, 4, 0x8B, false, 16}, {2, 0, 0x83, false, 16}};
 
 class ArrayRecord : public ArrayTest {};
 
@@ -60,7 +61,8 @@ TEST_F(ArrayRecord, ApplyingATypeWritesItsFieldsAndNoOtherBit) {
       EXPECT_EQ(record.elementType, static_cast<uint32_t>(to));
       EXPECT_EQ(record.tensorType, rows[to].tensorType) << from << " to " << to;
       EXPECT_EQ(record.flags, foreign | rows[to].flags) << from << " to " << to;
-      EXPECT_EQ(record.precision, rows[to].integer ? 9007199254740992.0 : -std::numeric_limits<double>::infinity());
+      EXPECT_EQ(record.precision,
+                rows[to].integer ? 9007199254740992.0 : -std::numeric_limits<double>::infinity());
     }
   }
 }
@@ -83,7 +85,8 @@ TEST_F(ArrayRecord, NewRecordsAreEmpty) {
   MNumericArray provided;
   std::memset(&provided, 0xAB, sizeof provided);
   MNumericArray_initialize(&provided);
-  for (const MNumericArray* record : {static_cast<const MNumericArray*>(made.get()), static_cast<const MNumericArray*>(&provided)}) {
+  for (const MNumericArray* record :
+       {static_cast<const MNumericArray*>(made.get()), static_cast<const MNumericArray*>(&provided)}) {
     uint64_t precision = 0;
     std::memcpy(&precision, &record->precision, sizeof precision);
     EXPECT_EQ(precision, 0x4340000000000000u);

@@ -29,9 +29,22 @@ TEST_F(Dimensions, CountsElements) {
 
 TEST_F(Dimensions, CountFailsOnNegativeAndOnOverflow) {
   const mint big = mint{1} << 62, least = std::numeric_limits<mint>::min();
-  const std::vector<std::vector<mint>> bad = {{-1},          {0, -1},  {3, -1, 2}, {2, 3, -4},    {least}, {-1, -1},
-                                              {0, 0, least}, {big, 2}, {2, big},   {big, 4, 0},   {3037000500, 3037000500},
-                                              {failed, 2},   {-1, 0},  {failed},   {big, big, 0}, {5, failed / 5 + 1}};
+  const std::vector<std::vector<mint>> bad = {{-1},
+                                              {0, -1},
+                                              {3, -1, 2},
+                                              {2, 3, -4},
+                                              {least},
+                                              {-1, -1},
+                                              {0, 0, least},
+                                              {big, 2},
+                                              {2, big},
+                                              {big, 4, 0},
+                                              {3037000500, 3037000500},
+                                              {failed, 2},
+                                              {-1, 0},
+                                              {failed},
+                                              {big, big, 0},
+                                              {5, failed / 5 + 1}};
   for (const auto& dims : bad) {
     for (int32_t mode : {FailNull, FailReport}) {
       EXPECT_EQ(NumberOfElementsCommon(static_cast<mint>(dims.size()), dims.data(), mode), failed);
@@ -47,7 +60,8 @@ TEST_F(Dimensions, BadCountIsFatalUnderFailFatal) {
 TEST_F(Dimensions, SettingReplacesShapeAndLengthButNotElements) {
   for (const auto& from : sample_shapes()) {
     for (const auto& to : sample_shapes()) {
-      array_ptr array(MNumericArray_newAllocatedCommon(5, static_cast<mint>(from.size()), from.data(), FailNull));
+      array_ptr array(
+          MNumericArray_newAllocatedCommon(5, static_cast<mint>(from.size()), from.data(), FailNull));
       ASSERT_TRUE(array);
       const void* data = array->data;
       const mint* block = array->dims;
@@ -108,7 +122,10 @@ TEST_F(Dimensions, FailedSettingLeavesTheShape) {
   const std::vector<mint> large(300, 1);
   array_ptr array(MNumericArray_newAllocatedCommon(7, 2, small, FailNull));
   const int failures = fail_at_every_allocation(
-      [&] { return MNumericArray_setDimensionsCommon(array.get(), 300, large.data(), 1, FailNull) == ArrayStatusOk; },
+      [&] {
+        return MNumericArray_setDimensionsCommon(array.get(), 300, large.data(), 1, FailNull) ==
+               ArrayStatusOk;
+      },
       [&] {
         EXPECT_EQ(dims_of(array.get()), (std::vector<mint>{2, 3}));
         EXPECT_EQ(array->flattenedLength, 6);
@@ -116,7 +133,8 @@ TEST_F(Dimensions, FailedSettingLeavesTheShape) {
   EXPECT_EQ(failures, 1);
   EXPECT_EQ(array->rank, 300);
   EXPECT_EQ(MNumericArray_setDimensionsCommon(nullptr, 2, small, 6, FailNull), ArrayStatusNullArgument);
-  EXPECT_EQ(MNumericArray_setDimensionsCommon(array.get(), 2, nullptr, 6, FailNull), ArrayStatusBadDimensions);
+  EXPECT_EQ(MNumericArray_setDimensionsCommon(array.get(), 2, nullptr, 6, FailNull),
+            ArrayStatusBadDimensions);
 }
 
 TEST_F(Dimensions, CompatibleOnTheShorterRank) {

@@ -56,8 +56,9 @@ TEST(TaggedNumber, LeavesTheNumberWhereItCannotWiden) {
     int64_t tag;
     int32_t target, result;
   };
-  const attempt attempts[] = {{2, 2, 0}, {3, 3, 0}, {4, 4, 0}, {4, 3, 1}, {3, 2, 1}, {4, 2, 1},  {2, 1, 1}, {2, 0, 1},
-                              {2, 5, 1}, {3, 9, 1}, {7, 7, 0}, {1, 3, 0}, {9, 3, 0}, {1, 4, 0}, {9, 4, 0}, {9, 2, 1}};
+  const attempt attempts[] = {{2, 2, 0}, {3, 3, 0}, {4, 4, 0}, {4, 3, 1}, {3, 2, 1}, {4, 2, 1},
+                              {2, 1, 1}, {2, 0, 1}, {2, 5, 1}, {3, 9, 1}, {7, 7, 0}, {1, 3, 0},
+                              {9, 3, 0}, {1, 4, 0}, {9, 4, 0}, {9, 2, 1}};
   for (const attempt& a : attempts) {
     IDCNum n = number(a.tag);
     const IDCNum before = n;

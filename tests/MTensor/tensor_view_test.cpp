@@ -15,7 +15,8 @@ struct view {
   size_t bytes;
 };
 constexpr view views[] = {{1, 7, 2, 8}, {2, 7, 2, 8}, {3, 10, 3, 8}, {4, 12, 4, 16}};
-constexpr int32_t no_types[] = {0, 5, -1, 13, std::numeric_limits<int32_t>::min(), std::numeric_limits<int32_t>::max()};
+constexpr int32_t no_types[] = {
+    0, 5, -1, 13, std::numeric_limits<int32_t>::min(), std::numeric_limits<int32_t>::max()};
 
 class TensorView : public ArrayTest {};
 

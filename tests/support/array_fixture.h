@@ -23,7 +23,9 @@ struct array_deleter {
 };
 using array_ptr = std::unique_ptr<MNumericArray, array_deleter>;
 
-inline std::vector<mint> dims_of(const MNumericArray* array) { return {array->dims, array->dims + array->rank}; }
+inline std::vector<mint> dims_of(const MNumericArray* array) {
+  return {array->dims, array->dims + array->rank};
+}
 
 /// A block of zalloc with the dimensions, to be taken over.
 inline mint* dims_block(const std::vector<mint>& dims) {
@@ -41,9 +43,23 @@ inline mint product_of(const std::vector<mint>& dims) {
 
 /// Shapes of the ranks 0 to 5, with sizes 0 and 1 in every place.
 inline const std::vector<std::vector<mint>>& sample_shapes() {
-  static const std::vector<std::vector<mint>> shapes = {
-      {},        {0},       {1},       {7},       {513},        {0, 3},       {3, 0},         {1, 5},         {4, 6},
-      {2, 3, 4}, {2, 0, 4}, {1, 1, 1}, {5, 4, 3}, {2, 2, 2, 2}, {3, 1, 2, 0}, {2, 1, 3, 1, 2}, {0, 0, 0, 0, 0}};
+  static const std::vector<std::vector<mint>> shapes = {{},
+                                                        {0},
+                                                        {1},
+                                                        {7},
+                                                        {513},
+                                                        {0, 3},
+                                                        {3, 0},
+                                                        {1, 5},
+                                                        {4, 6},
+                                                        {2, 3, 4},
+                                                        {2, 0, 4},
+                                                        {1, 1, 1},
+                                                        {5, 4, 3},
+                                                        {2, 2, 2, 2},
+                                                        {3, 1, 2, 0},
+                                                        {2, 1, 3, 1, 2},
+                                                        {0, 0, 0, 0, 0}};
   return shapes;
 }
 

@@ -13,9 +13,8 @@ namespace vlm {
 /// What NumberOfElementsCommon gives instead of a count: its only sign of failure.
 inline constexpr mint element_count_failed = std::numeric_limits<mint>::max();
 
-/// `precision` of a record: for an integer type or none, and for a real or complex type, where it is MachinePrecision.
+/// `precision` of a record whose element type is integer or none. That of the other types is MachinePrecision.
 inline constexpr double integer_precision = 9007199254740992.0;
-inline constexpr double real_precision = -std::numeric_limits<double>::infinity();
 
 /// The bits of `flags` that belong to the element type.
 inline constexpr uint32_t element_type_flags = ArrayFlagNumeric | ArrayFlagComplex;
@@ -29,7 +28,8 @@ inline bool is_aligned_for(const void* data, int32_t type) {
 
 /// Bytes of `count` elements (count not negative); false if they do not fit 64 bits. A type without elements has 0 bytes.
 inline bool data_bytes(mint count, int32_t type, uint64_t& bytes) {
-  return !__builtin_mul_overflow(static_cast<uint64_t>(count), static_cast<uint64_t>(element_bytes(type)), &bytes);
+  return !__builtin_mul_overflow(static_cast<uint64_t>(count), static_cast<uint64_t>(element_bytes(type)),
+                                 &bytes);
 }
 
 /// The product of the dimensions, multiplied from the first to the last; element_count_failed if one of them is negative or
@@ -38,7 +38,8 @@ mint checked_element_count(mint rank, const mint* dims);
 
 /// Bytes of the elements of an array.
 inline uint64_t array_bytes(const MNumericArray* array) {
-  return static_cast<uint64_t>(array->flattenedLength) * element_bytes(static_cast<int32_t>(array->elementType));
+  return static_cast<uint64_t>(array->flattenedLength) *
+         element_bytes(static_cast<int32_t>(array->elementType));
 }
 
 /// Stores the element type with the tensorType, flags and precision that go with it. A code outside 0 to 13 clears tensorType

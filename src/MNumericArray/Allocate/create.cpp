@@ -17,7 +17,8 @@ constexpr int32_t take_dims = 0;
 
 MNumericArray* new_shaped(int32_t type, mint rank, mint* dims, int32_t copyDims, int32_t failMode) {
   MNumericArray* array = MNumericArray_new();
-  if (MNumericArray_initializeUsingDims(array, type, rank, dims, copyDims, failMode) == ArrayStatusOk) return array;
+  if (MNumericArray_initializeUsingDims(array, type, rank, dims, copyDims, failMode) == ArrayStatusOk)
+    return array;
   MNumericArray_delete(array);
   return nullptr;
 }
@@ -33,7 +34,8 @@ int32_t settle_data(MNumericArray* array, int32_t type, mint count, int32_t fail
 }
 
 /// A record over data, which it owns from the start, so that deleting it after a failure frees the block too.
-MNumericArray* new_over_data(int32_t type, mint rank, const mint* dims, void* data, mint* takenDims, int32_t failMode) {
+MNumericArray* new_over_data(int32_t type, mint rank, const mint* dims, void* data, mint* takenDims,
+                             int32_t failMode) {
   rank = vlm::effective_rank(rank);
   MNumericArray* array = MNumericArray_new();
   array->data = data;
@@ -69,11 +71,13 @@ void MNumericArray_initialize(MNumericArray* record) VLM_NOEXCEPT {
   record->refCount = 1;
 }
 
-MNumericArray* MNumericArray_newAllocatedCommon(int32_t type, mint rank, const mint* dims, int32_t failMode) VLM_NOEXCEPT {
+MNumericArray* MNumericArray_newAllocatedCommon(int32_t type, mint rank, const mint* dims,
+                                                int32_t failMode) VLM_NOEXCEPT {
   return new_shaped(type, rank, const_cast<mint*>(dims), copy_dims, failMode);
 }
 
-MNumericArray* MNumericArray_newUsingDimsCommon(int32_t type, mint rank, mint* dims, int32_t failMode) VLM_NOEXCEPT {
+MNumericArray* MNumericArray_newUsingDimsCommon(int32_t type, mint rank, mint* dims,
+                                                int32_t failMode) VLM_NOEXCEPT {
   return new_shaped(type, rank, dims, take_dims, failMode);
 }
 
@@ -91,8 +95,8 @@ MNumericArray* MNumericArray_newUsingDataArrayAndDimsCommon(int32_t type, mint r
   return new_over_data(type, rank, dims, data, dims, failMode);
 }
 
-MNumericArray* MNumericArray_newCopyFromDataArrayCommon(int32_t type, mint rank, const mint* dims, const void* data,
-                                                        int32_t failMode) VLM_NOEXCEPT {
+MNumericArray* MNumericArray_newCopyFromDataArrayCommon(int32_t type, mint rank, const mint* dims,
+                                                        const void* data, int32_t failMode) VLM_NOEXCEPT {
   if (rank > 0 && dims == nullptr) return nullptr;
   const mint count = NumberOfElementsCommon(rank, dims, FailFatal);
   if (count == 0 ? is_hollow(rank, dims) : data == nullptr) return nullptr;

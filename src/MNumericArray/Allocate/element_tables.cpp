@@ -1,16 +1,19 @@
 // The exported tables of element bytes and type codes, and what a record stores beside its element type.
 #include "MNumericArray/Allocate/array_record.h"
+#include "velorim/floating_point.h"
 
 #define VELORIM_BYTES(CODE, NAME, TYPE, CLASS, BYTES, DIGITS, TENSOR) BYTES,
 #define VELORIM_TENSOR_TYPE(CODE, NAME, TYPE, CLASS, BYTES, DIGITS, TENSOR) TENSOR,
 
-constexpr int64_t MNumericArray_typeSizeTable[14] = {0,
+constexpr int64_t MNumericArray_typeSizeTable[14] = {
+    0,
 #define VELORIM_ELEMENT_TYPE VELORIM_BYTES
 #include "Includes/element_types.def"
 #undef VELORIM_ELEMENT_TYPE
 };
 
-constexpr int32_t MNumericArrayToMTensorType[14] = {0,
+constexpr int32_t MNumericArrayToMTensorType[14] = {
+    0,
 #define VELORIM_ELEMENT_TYPE VELORIM_TENSOR_TYPE
 #include "Includes/element_types.def"
 #undef VELORIM_ELEMENT_TYPE
@@ -22,7 +25,8 @@ constexpr int32_t MNumericArrayToMTensorType[14] = {0,
 constexpr int32_t MTensorToMNumericArrayType[5] = {0, vlm::element_code<mint>, vlm::element_code<mint>,
                                                    vlm::element_code<mreal>, vlm::element_code<mcomplex>};
 
-constexpr int64_t CompilerTypeSizeTable[6] = {0, sizeof(int32_t), sizeof(mint), sizeof(mreal), sizeof(mcomplex), sizeof(void*)};
+constexpr int64_t CompilerTypeSizeTable[6] = {
+    0, sizeof(int32_t), sizeof(mint), sizeof(mreal), sizeof(mcomplex), sizeof(void*)};
 
 namespace vlm {
 namespace {
@@ -67,7 +71,7 @@ void applyElementType(MNumericArray* array, int32_t type) {
     constexpr element_class kind = element_of<T>::kind;
     array->tensorType = static_cast<uint32_t>(element_of<T>::tensor_type);
     array->flags |= flags_of(kind);
-    array->precision = is_integer(kind) ? integer_precision : real_precision;
+    array->precision = is_integer(kind) ? integer_precision : MachinePrecision;
   });
 }
 

@@ -43,8 +43,9 @@ class name_map {
     if (name == nullptr) return 0;
     const std::string_view key = name;
     const named_code* end = entries_ + count_;
-    const named_code* found = std::lower_bound(
-        static_cast<const named_code*>(entries_), end, key, [](const auto& entry, std::string_view k) { return entry.name < k; });
+    const named_code* found =
+        std::lower_bound(static_cast<const named_code*>(entries_), end, key,
+                         [](const auto& entry, std::string_view k) { return entry.name < k; });
     return found != end && found->name == key ? found->code : 0;
   }
 

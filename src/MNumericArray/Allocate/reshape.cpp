@@ -54,7 +54,8 @@ int32_t MNumericArray_allocateMemoryCommon(MNumericArray* array, int32_t type, m
 int32_t MNumericArray_allocateCommon(MNumericArray** arrayInOut, int32_t type, mint rank, const mint* dims,
                                      int32_t failMode) VLM_NOEXCEPT {
   if (arrayInOut == nullptr) return ArrayStatusNullArgument;
-  if (*arrayInOut != nullptr) return MNumericArray_allocateMemoryCommon(*arrayInOut, type, rank, dims, failMode);
+  if (*arrayInOut != nullptr)
+    return MNumericArray_allocateMemoryCommon(*arrayInOut, type, rank, dims, failMode);
   MNumericArray* array = MNumericArray_new();
   const int32_t status = MNumericArray_allocateMemoryCommon(array, type, rank, dims, failMode);
   if (status == ArrayStatusOk) {
@@ -68,12 +69,12 @@ int32_t MNumericArray_allocateCommon(MNumericArray** arrayInOut, int32_t type, m
 int32_t MNumericArray_allocateMemoryLikeCommon(MNumericArray* array, const MNumericArray* model,
                                                int32_t failMode) VLM_NOEXCEPT {
   if (model == nullptr) return ArrayStatusNullArgument;
-  return MNumericArray_allocateMemoryCommon(array, static_cast<int32_t>(model->elementType), model->rank, model->dims,
-                                            failMode);
+  return MNumericArray_allocateMemoryCommon(array, static_cast<int32_t>(model->elementType), model->rank,
+                                            model->dims, failMode);
 }
 
-int32_t MNumericArray_initializeUsingDims(MNumericArray* record, int32_t type, mint rank, mint* dims, int32_t copyDims,
-                                          int32_t failMode) VLM_NOEXCEPT {
+int32_t MNumericArray_initializeUsingDims(MNumericArray* record, int32_t type, mint rank, mint* dims,
+                                          int32_t copyDims, int32_t failMode) VLM_NOEXCEPT {
   if (record == nullptr) return ArrayStatusNullArgument;
   if (const int32_t bad = vlm::check_dimensions(rank, dims)) return bad;
   rank = vlm::effective_rank(rank);

@@ -58,15 +58,16 @@ bool shape_is_valid(const MNumericArray& array) {
 bool type_is_valid(const MNumericArray& array) {
   MNumericArray fresh = array;
   applyElementType(&fresh, static_cast<int32_t>(array.elementType));
-  return fresh.tensorType == array.tensorType && fresh.flags == array.flags && fresh.precision == array.precision;
+  return fresh.tensorType == array.tensorType && fresh.flags == array.flags &&
+         fresh.precision == array.precision;
 }
 
 }  // namespace
 
 bool array_is_valid(const MNumericArray* array) {
   const auto type = static_cast<int32_t>(array->elementType);
-  return shape_is_valid(*array) && type_is_valid(*array) && (array->data != nullptr) == (array->flattenedLength != 0) &&
-         is_aligned_for(array->data, type);
+  return shape_is_valid(*array) && type_is_valid(*array) &&
+         (array->data != nullptr) == (array->flattenedLength != 0) && is_aligned_for(array->data, type);
 }
 
 }  // namespace vlm

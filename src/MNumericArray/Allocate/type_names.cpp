@@ -41,22 +41,22 @@ constexpr type_name type_names[] = {
 // clang-format on
 
 constexpr named_code method_names[] = {
-    {"Check", MNumericArrayConvertCheck}, {"ClipAndCheck", MNumericArrayConvertClipAndCheck},
+    {"Check", MNumericArrayConvertCheck},   {"ClipAndCheck", MNumericArrayConvertClipAndCheck},
     {"Coerce", MNumericArrayConvertCoerce}, {"ClipAndCoerce", MNumericArrayConvertClipAndCoerce},
-    {"Round", MNumericArrayConvertRound}, {"ClipAndRound", MNumericArrayConvertClipAndRound},
-    {"Scale", MNumericArrayConvertScale}, {"ClipAndScale", MNumericArrayConvertClipAndScale},
-    {"Cast", MNumericArrayConvertCast}, {"ClipAndCast", MNumericArrayConvertClipAndCast},
+    {"Round", MNumericArrayConvertRound},   {"ClipAndRound", MNumericArrayConvertClipAndRound},
+    {"Scale", MNumericArrayConvertScale},   {"ClipAndScale", MNumericArrayConvertClipAndScale},
+    {"Cast", MNumericArrayConvertCast},     {"ClipAndCast", MNumericArrayConvertClipAndCast},
 };
 
 constexpr bool every_type_answers_to_its_own_name() {
   bool all = true;
-#define VELORIM_ELEMENT_TYPE(CODE, NAME, TYPE, CLASS, BYTES, DIGITS, TENSOR)            \
-  {                                                                                     \
-    bool found = false;                                                                 \
-    for (const type_name& entry : type_names) {                                         \
+#define VELORIM_ELEMENT_TYPE(CODE, NAME, TYPE, CLASS, BYTES, DIGITS, TENSOR)                         \
+  {                                                                                                  \
+    bool found = false;                                                                              \
+    for (const type_name& entry : type_names) {                                                      \
       found = found || (entry.code == CODE && entry.name == #NAME && (entry.used_by & array_names)); \
-    }                                                                                   \
-    all = all && found;                                                                 \
+    }                                                                                                \
+    all = all && found;                                                                              \
   }
 #include "Includes/element_types.def"
 #undef VELORIM_ELEMENT_TYPE
@@ -70,7 +70,8 @@ name_map methods_by_name;
 /// The name of the first entry with the code that `belongs` accepts, or null.
 template <class Entry, size_t N, class Predicate>
 const char* first_name(const Entry (&entries)[N], int32_t code, Predicate belongs) {
-  const auto found = std::ranges::find_if(entries, [&](const Entry& e) { return e.code == code && belongs(e); });
+  const auto found =
+      std::ranges::find_if(entries, [&](const Entry& e) { return e.code == code && belongs(e); });
   return found != std::end(entries) ? found->name.data() : nullptr;
 }
 
@@ -102,9 +103,13 @@ void array_names_hook(int32_t phase) {
 
 }  // namespace vlm
 
-int32_t MNumericArrayType_fromString(const char* name) VLM_NOEXCEPT { return vlm::element_types_by_name.find(name); }
+int32_t MNumericArrayType_fromString(const char* name) VLM_NOEXCEPT {
+  return vlm::element_types_by_name.find(name);
+}
 
-int32_t MNumericArrayConvertMethod_fromString(const char* name) VLM_NOEXCEPT { return vlm::methods_by_name.find(name); }
+int32_t MNumericArrayConvertMethod_fromString(const char* name) VLM_NOEXCEPT {
+  return vlm::methods_by_name.find(name);
+}
 
 int32_t MRawArrayType_fromString(const char* name) VLM_NOEXCEPT {
   if (name == nullptr) return 0;
