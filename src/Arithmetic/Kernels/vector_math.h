@@ -150,7 +150,7 @@ struct tan : sleef<VELORIM_SLEEF_NAMES(tan, u10)> {
 };
 struct sinh : sleef<VELORIM_SLEEF_NAMES(sinh, u10)> {
   template <class T> static constexpr ordinary_range range() {
-    return by_type<T>({0, 709, true}, {0x1p-12, 88, true, true});
+    return by_type<T>({0x1p-26, 709, true, true}, {0x1p-12, 88, true, true});
   }
   template <class T> static T outside(T x) {
     return in_wider_type([](auto w) { return std::sinh(w); }, x);
@@ -166,7 +166,7 @@ struct cosh : sleef<VELORIM_SLEEF_NAMES(cosh, u10)> {
 };
 struct tanh : sleef<VELORIM_SLEEF_NAMES(tanh, u10)> {
   template <class T> static constexpr ordinary_range range() {
-    return by_type<T>({0, 700, true}, {0x1p-12, 80, true, true});
+    return by_type<T>({0x1p-26, 700, true, true}, {0x1p-12, 80, true, true});
   }
   template <class T> static T outside(T x) {
     return in_wider_type([](auto w) { return std::tanh(w); }, x);
@@ -188,7 +188,7 @@ struct atan : sleef<VELORIM_SLEEF_NAMES(atan, u10)> {
 };
 struct asinh : sleef<VELORIM_SLEEF_NAMES(asinh, u10)> {
   template <class T> static constexpr ordinary_range range() {
-    return by_type<T>({0x1p-900, 1e150, true, true}, {0x1p-80, 1e18, true, true});
+    return by_type<T>({0x1p-26, 1e150, true, true}, {0x1p-12, 1e18, true, true});
   }
   template <class T> static T outside(T x) {
     return in_wider_type([](auto w) { return std::asinh(w); }, x);
@@ -204,7 +204,7 @@ struct acosh : sleef<VELORIM_SLEEF_NAMES(acosh, u10)> {
 };
 struct atanh : sleef<VELORIM_SLEEF_NAMES(atanh, u10)> {
   template <class T> static constexpr ordinary_range range() {
-    return by_type<T>({0, 0x1.fffffffffffffp-1, true}, {0x1p-12, 0x1.fffffep-1, true, true});
+    return by_type<T>({0x1p-26, 0x1.fffffffffffffp-1, true, true}, {0x1p-12, 0x1.fffffep-1, true, true});
   }
   template <class T> static T outside(T x) {
     return in_wider_type([](auto w) { return std::atanh(w); }, x);
