@@ -50,7 +50,8 @@ template <class T> inline void pin(T& x) {
 static_assert(FE_INVALID == 0x01 && FE_DIVBYZERO == 0x04 && FE_OVERFLOW == 0x08);
 
 namespace detail {
-inline constexpr uint32_t mxcsr_all_masked = 0x1F80;
+inline constexpr uint32_t mxcsr_all_masked = 0x1F80;  // the default control bits: all traps masked, to nearest
+inline constexpr uint32_t mxcsr_flags = 0x3F;
 inline uint32_t x87_status() {
   uint16_t word;
   asm volatile("fnstsw %0" : "=a"(word)::"memory");
@@ -76,16 +77,18 @@ inline int test_flags() {
   return static_cast<int>(raised);
 }
 
-/// Keeps what happens in its scope out of the flags: the control and status word is saved at construction and
-/// put back exactly by restore() or at the end of the scope; in between no exception traps. The flags before
-/// the section stay, those raised in it are forgotten. Covers float and double arithmetic, not long double.
+/// Runs arithmetic in the default environment (to nearest, nothing flushed to zero, no traps) and keeps what it raises out of the
+/// flags that count: the control and status word is saved at construction and put back by restore() or at the end of the scope.
+/// Flags that count and were raised before stay, those raised in the section are forgotten; inexact and underflow may stay
+/// raised, since lowering a flag makes the next read of the word wait some 80 ns. Covers float and double arithmetic, not long
+/// double.
 class quiet_section {
  public:
   quiet_section() {
     fence();
     saved_ = _mm_getcsr();
-    if ((saved_ & detail::mxcsr_all_masked) != detail::mxcsr_all_masked)
-      _mm_setcsr(saved_ | detail::mxcsr_all_masked);
+    if ((saved_ & ~detail::mxcsr_flags) != detail::mxcsr_all_masked)
+      _mm_setcsr(detail::mxcsr_all_masked | (saved_ & detail::mxcsr_flags));
     fence();
   }
   ~quiet_section() { restore(); }
@@ -97,7 +100,8 @@ class quiet_section {
     if (ended_) return;
     ended_ = true;
     fence();
-    if (_mm_getcsr() != saved_) _mm_setcsr(saved_);
+    constexpr uint32_t settled = detail::mxcsr_flags & ~static_cast<uint32_t>(flag_set);
+    if (((_mm_getcsr() ^ saved_) & ~settled) != 0) _mm_setcsr(saved_);
     fence();
   }
 
@@ -156,9 +160,8 @@ inline int test_flags() {
   return raised;
 }
 
-/// Keeps what happens in its scope out of the flags: the environment is saved at construction and put back
-/// exactly by restore() or at the end of the scope; in between no exception traps. The flags before the
-/// section stay, those raised in it are forgotten.
+/// Runs arithmetic in the default environment (to nearest, nothing flushed to zero, no traps) and keeps what it raises out of the
+/// flags: the environment is saved at construction and put back exactly by restore() or at the end of the scope.
 class quiet_section {
  public:
   quiet_section() {
@@ -181,20 +184,22 @@ class quiet_section {
 
  private:
 #if defined(__aarch64__)
-  // FPSR holds the flags, FPCR the trap enables (bits 8 to 12 and 15) beside the rounding mode.
-  static constexpr uint64_t trap_enables = 0x9F00;
+  // FPSR holds the flags, FPCR the rounding mode, the flush modes and the trap enables; all zero is the default.
   void save() {
     asm volatile("mrs %0, fpsr" : "=r"(status_)::"memory");
     asm volatile("mrs %0, fpcr" : "=r"(control_)::"memory");
-    if (control_ & trap_enables) asm volatile("msr fpcr, %0" ::"r"(control_ & ~trap_enables) : "memory");
+    if (control_ != 0) asm volatile("msr fpcr, %0" ::"r"(uint64_t{0}) : "memory");
   }
   void put_back() {
     asm volatile("msr fpsr, %0" ::"r"(status_) : "memory");
-    asm volatile("msr fpcr, %0" ::"r"(control_) : "memory");
+    if (control_ != 0) asm volatile("msr fpcr, %0" ::"r"(control_) : "memory");
   }
   uint64_t status_, control_;
 #else
-  void save() { std::feholdexcept(&environment_); }
+  void save() {
+    std::feholdexcept(&environment_);
+    std::fesetround(FE_TONEAREST);
+  }
   void put_back() { std::fesetenv(&environment_); }
   std::fenv_t environment_;
 #endif
