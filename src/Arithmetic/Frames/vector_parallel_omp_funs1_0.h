@@ -15,17 +15,11 @@
 
 #include <algorithm>
 #include <atomic>
-#include <memory>
-#include <type_traits>
 
 #include "Arithmetic/Parallel/team.h"
-#include "velorim/memory.h"
+#include "Memory/working_space.h"
 
 namespace vlm::vmfun1_0 {
-
-struct free_partials {
-  void operator()(void* block) const { zfree(block); }
-};
 
 /// Reduces count elements of source into *accumulator, which holds the start value. Returns 0, or 1 when the
 /// kernel or the combine function failed; the accumulator then holds no result. Without memory for the
@@ -33,7 +27,6 @@ struct free_partials {
 template <class Accumulator, class Source, class Range, class Combine>
 int32_t vfun1_0_run(Range&& range, Combine&& combine, Accumulator* accumulator, const Source* source,
                     mint count, const mint* increments) {
-  static_assert(std::is_trivially_copyable_v<Accumulator>);
   const parallel::length_pair lengths = parallel::lengths(parallel::family::reducing);
   const auto on_this_thread = [&]() -> int32_t {
     return range(accumulator, source, count, increments) != 0 ? 1 : 0;
@@ -41,12 +34,10 @@ int32_t vfun1_0_run(Range&& range, Combine&& combine, Accumulator* accumulator, 
   if (!parallel::use_team(count, lengths.threshold)) return on_this_thread();
 
   const int threads = parallel::team_size();
-  const auto bytes = static_cast<uint64_t>(threads) * sizeof(Accumulator);
-  const std::unique_ptr<Accumulator[], free_partials> partials(
-      static_cast<Accumulator*>(zalloc(bytes, 1, FailNull)));
-  if (partials == nullptr) return on_this_thread();
+  memory::WorkingSpace<Accumulator> partials(static_cast<uint64_t>(threads));
+  if (!partials) return on_this_thread();
   const Accumulator start = *accumulator;
-  std::uninitialized_fill_n(partials.get(), threads, start);
+  std::fill(partials.begin(), partials.end(), start);
 
   std::atomic<bool> failed{false};
   const auto reduce_chunk = [&](mint first, mint length) {
@@ -55,15 +46,15 @@ int32_t vfun1_0_run(Range&& range, Combine&& combine, Accumulator* accumulator, 
     if (range(&local, source + increments[1] * first, length, increments) != 0) {
 #pragma omp critical(pvector_error_1_0a)
       failed.store(true, std::memory_order_relaxed);
-    } else if (combine(&partials[static_cast<size_t>(omp_get_thread_num())], &local) != 0) {
+    } else if (combine(&partials[static_cast<uint64_t>(omp_get_thread_num())], &local) != 0) {
 #pragma omp critical(pvector_error_1_0b)
       failed.store(true, std::memory_order_relaxed);
     }
   };
   parallel::for_chunks(count, lengths.chunk, reduce_chunk, threads);
   if (failed.load(std::memory_order_relaxed)) return 1;
-  for (int i = 0; i < threads; ++i) {
-    if (combine(accumulator, &partials[static_cast<size_t>(i)]) != 0) return 1;
+  for (const Accumulator& partial : partials.span()) {
+    if (combine(accumulator, &partial) != 0) return 1;
   }
   return 0;
 }

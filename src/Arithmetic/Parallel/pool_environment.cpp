@@ -8,8 +8,6 @@
 namespace vlm::parallel {
 namespace {
 
-constexpr uint32_t normal_priority = 2;
-
 void finish(ParallelThread* worker, bool becomes_idle) {
   ParallelThreadsEnvironment* environment = worker->environment;
   scoped_lock done(environment->doneLock);
@@ -82,7 +80,7 @@ ParallelThread* new_worker(ParallelThreadsEnvironment* environment, mint id) {
       scoped_lock done(environment->doneLock);
       ++environment->active;
     }
-    worker->thread = KThreadCreate(worker_loop, worker, normal_priority);
+    worker->thread = KThreadCreate(worker_loop, worker, KTHREAD_PRIORITY_NORMAL);
     if (worker->thread != nullptr) return worker;
     finish(worker, false);
   }

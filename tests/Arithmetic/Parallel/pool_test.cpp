@@ -19,6 +19,7 @@
 
 #include "Arithmetic/Parallel/pool.h"
 #include "Runtime/hooks.h"
+#include "support/allocation_balance.h"
 #include "velorim/memory.h"
 
 namespace {
@@ -508,6 +509,7 @@ TEST_F(Pool, TwoHostThreadsMayEnterAtOnce) {
 }
 
 TEST_F(Pool, MadeAndEndedOverAndOver) {
+  const vlm::test::AllocationBalance balance;
   for (int i = 0; i < 60; ++i) {
     setParallelThreadNumber(1 + i % 5);
     ASSERT_NE(vlm::thread_pool_create(), nullptr);
