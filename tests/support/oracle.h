@@ -9,11 +9,17 @@
 
 namespace oracle {
 
-/// A number of 256 bits, enough that a value computed in a few steps is exact for any judgement about doubles.
+/// The bits of numbers made from now on. 256 are enough that a value computed in a few steps is exact for any
+/// judgement about doubles; a test of a shorter type may lower it for speed.
+inline mpfr_prec_t precision = 256;
+
+/// A number of that many bits.
 class number {
  public:
-  number() { mpfr_init2(v_, 256); }
-  number(double x) : number() { mpfr_set_d(v_, x, MPFR_RNDN); }  // NOLINT: numbers mix with doubles in formulas
+  number() { mpfr_init2(v_, precision); }
+  number(double x) : number() {
+    mpfr_set_d(v_, x, MPFR_RNDN);
+  }  // NOLINT: numbers mix with doubles in formulas
   number(const number& o) : number() { mpfr_set(v_, o.v_, MPFR_RNDN); }
   number& operator=(const number& o) {
     mpfr_set(v_, o.v_, MPFR_RNDN);
@@ -46,8 +52,7 @@ inline number operator*(const number& x, const number& y) { return apply(mpfr_mu
 inline number operator/(const number& x, const number& y) { return apply(mpfr_div, x, y); }
 
 /// |y - exact| in units of the last place that a T of the size of exact has (the spacing of subnormals near zero).
-template <class T>
-double ulp_error(T y, const number& exact) {
+template <class T> double ulp_error(T y, const number& exact) {
   if (mpfr_nan_p(exact.get()) || !std::isfinite(y)) {
     const bool both_nan = mpfr_nan_p(exact.get()) && std::isnan(y);
     const double rounded = mpfr_get_d(exact.get(), MPFR_RNDN);
@@ -64,8 +69,7 @@ double ulp_error(T y, const number& exact) {
 }
 
 /// The nearest T, ties to even, subnormals and overflow as IEEE 754 rounds them.
-template <class T>
-T nearest(const number& exact) {
+template <class T> T nearest(const number& exact) {
   if constexpr (std::is_same_v<T, double>) {
     return mpfr_get_d(exact.get(), MPFR_RNDN);
   } else {
