@@ -94,18 +94,23 @@ TEST_F(Errors, NamesAtTheBordersOfTheTable) {
   EXPECT_EQ(name(0xFFFFFFFF), "error_unknown");
 }
 
-TEST_F(Errors, StyleAtLoadTimeIsTheFlag) {
-  // The fixture sets it, so this looks at what a frame does without any setting in a thread of its own.
-  uint32_t active = 0, abort_enabled = 1;
+// Reported before main, in the style that the library was loaded with; the code stays in the thread's state.
+const int32_t reported_at_load = throwVelorimException(13);
+const uint32_t stored_at_load = setExceptionActive(0);
+
+TEST_F(Errors, TheStyleAtLoadTimeIsTheFlag) {
+  EXPECT_EQ(reported_at_load, 13);
+  EXPECT_EQ(stored_at_load, 13u);
+}
+
+TEST_F(Errors, AThreadStartsWithNothingAndKeepsItsOwn) {
+  uint32_t active = 0;
   std::thread([&] {
-    EXPECT_EQ(getExceptionActive(), 0u);
-    EXPECT_EQ(SetJumpStack_Peek(), nullptr);
-    abort_enabled = *getKernelAbortEnabled();
-    EXPECT_EQ(throwVelorimException(13), 13);
+    expect_state(0, 0, nullptr);
+    throwVelorimException(13);
     active = getExceptionActive();
   }).join();
   EXPECT_EQ(active, 13u);
-  EXPECT_EQ(abort_enabled, 0u);
   EXPECT_EQ(getExceptionActive(), 0u);
 }
 
