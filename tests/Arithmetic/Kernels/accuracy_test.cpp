@@ -11,25 +11,18 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <map>
 #include <random>
 #include <set>
 
-#include "Arithmetic/Kernels/bits.h"
-#include "Arithmetic/Kernels/exponential.h"
-#include "Arithmetic/Kernels/hyperbolic.h"
-#include "Arithmetic/Kernels/power.h"
+#include "Arithmetic/Kernels/ordinary_ranges.h"
 #include "Arithmetic/Kernels/real_functions.h"
-#include "Arithmetic/Kernels/runs.h"
-#include "Arithmetic/Kernels/special.h"
-#include "Arithmetic/Kernels/trigonometric.h"
 #include "Arithmetic/unary_table.h"
 
 namespace {
 
 using namespace vlm;
-using namespace vlm::machine_function;
 using real_functions::golden_terms;
+using vlm::machine_function::ordinary_range;
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr int samples = 60;
@@ -37,21 +30,6 @@ constexpr int samples = 60;
 constexpr int samples = 500;
 #endif
 constexpr int edge_steps = 40;
-
-/// The ordinary ranges of the definitions, by number: where the two forms of a function meet.
-template <class T> std::map<int32_t, ordinary_range> ordinary_ranges() {
-  std::map<int32_t, ordinary_range> ranges;
-  const auto enter = [&]<class F>() {
-    if constexpr (has_range<class_of<F, T>, T>) ranges[F::number] = class_of<F, T>::template range<T>();
-  };
-  const auto enter_list = [&]<class... F>(function_list<F...>) { (enter.template operator()<F>(), ...); };
-  enter_list(trigonometric_functions{});
-  enter_list(hyperbolic_functions{});
-  enter_list(exponential_functions{});
-  enter_list(power_functions{});
-  enter_list(special_functions{});
-  return ranges;
-}
 
 /// Every argument that a function is tried at: ends of its intervals, uniform and log-uniform samples in them, the
 /// neighbourhood of the limits of its ordinary range.
