@@ -33,15 +33,15 @@ extern uint64_t system_allocation_limit;
  *  system_allocation_limit forbids the size or no 64-bit number holds it; with FailNull also if the soft limit would be
  *  passed (MCsetlimit). With FailFatal these end the process through nomem, and passing the soft limit is no failure.
  *  Nothing has changed after NULL, though the interrupt function may have run. */
-void *zalloc(uint64_t size, int32_t aligned, int32_t failMode) VLM_NOEXCEPT;
+void* zalloc(uint64_t size, int32_t aligned, int32_t failMode) VLM_NOEXCEPT;
 
 /** Frees a block that came from any function of this header; NULL is ignored. */
-void zfree(void *pointer) VLM_NOEXCEPT;
+void zfree(void* pointer) VLM_NOEXCEPT;
 
 /** Resizes a block. It stays where it is if it holds size bytes, at most half of it would lie idle, and it has the alignment;
  *  otherwise the first min(old, new) bytes move to a new block and the old one is freed. A null pointer gives zalloc.
  *  returns the block; NULL on failure, as zalloc does, and for size 0: the old block then stays valid. */
-void *zrealloc(void *pointer, uint64_t size, int32_t aligned, int32_t failMode) VLM_NOEXCEPT;
+void* zrealloc(void* pointer, uint64_t size, int32_t aligned, int32_t failMode) VLM_NOEXCEPT;
 
 /** The size that byte counts of objects use for a block of size bytes: its size class, or for large blocks (size of 65521
  *  and more) the size rounded up to 8 plus the header of 40 or, aligned, 48 bytes. 0 for size 0; all ones if no 64-bit
@@ -50,32 +50,32 @@ uint64_t zalloc_round(uint64_t size, int32_t aligned) VLM_NOEXCEPT;
 
 /** A zero-filled block of count * size bytes; otherwise as zalloc. A product beyond 64 bits fails like any size that is too
  *  large. */
-void *kCalloc(uint64_t count, uint64_t size, int32_t aligned, int32_t failMode) VLM_NOEXCEPT;
+void* kCalloc(uint64_t count, uint64_t size, int32_t aligned, int32_t failMode) VLM_NOEXCEPT;
 
 /** zalloc, kCalloc, zrealloc and zfree with FailFatal: for callers that expect an allocator which cannot fail. Aligned and
  *  Align16 forms give multiples of 16. */
-void *Malloc_fun(uint64_t size) VLM_NOEXCEPT;
-void *MallocAligned_fun(uint64_t size) VLM_NOEXCEPT;
-void *MallocAlign16_fun(uint64_t size) VLM_NOEXCEPT;
-void *Calloc_fun(uint64_t count, uint64_t size) VLM_NOEXCEPT;
-void *CallocAligned_fun(uint64_t count, uint64_t size) VLM_NOEXCEPT;
-void *CallocAlign16_fun(uint64_t count, uint64_t size) VLM_NOEXCEPT;
-void *Realloc_fun(void *pointer, uint64_t size) VLM_NOEXCEPT;
-void *ReallocAligned_fun(void *pointer, uint64_t size) VLM_NOEXCEPT;
-void Free_fun(void *pointer) VLM_NOEXCEPT;
+void* Malloc_fun(uint64_t size) VLM_NOEXCEPT;
+void* MallocAligned_fun(uint64_t size) VLM_NOEXCEPT;
+void* MallocAlign16_fun(uint64_t size) VLM_NOEXCEPT;
+void* Calloc_fun(uint64_t count, uint64_t size) VLM_NOEXCEPT;
+void* CallocAligned_fun(uint64_t count, uint64_t size) VLM_NOEXCEPT;
+void* CallocAlign16_fun(uint64_t count, uint64_t size) VLM_NOEXCEPT;
+void* Realloc_fun(void* pointer, uint64_t size) VLM_NOEXCEPT;
+void* ReallocAligned_fun(void* pointer, uint64_t size) VLM_NOEXCEPT;
+void Free_fun(void* pointer) VLM_NOEXCEPT;
 /** The same with the signatures of GMP's memory functions; oldSize and the size given to the free form are ignored. */
-void *Malloc_fun_for_gmp(uint64_t size) VLM_NOEXCEPT;
-void *Realloc_fun_for_gmp(void *pointer, uint64_t oldSize, uint64_t newSize) VLM_NOEXCEPT;
-void Free_fun_for_gmp(void *pointer, uint64_t size) VLM_NOEXCEPT;
+void* Malloc_fun_for_gmp(uint64_t size) VLM_NOEXCEPT;
+void* Realloc_fun_for_gmp(void* pointer, uint64_t oldSize, uint64_t newSize) VLM_NOEXCEPT;
+void Free_fun_for_gmp(void* pointer, uint64_t size) VLM_NOEXCEPT;
 
 /** The same with FailNull: what compiled code calls, testing for NULL. */
-void *RuntimeAllocate(uint64_t size) VLM_NOEXCEPT;
-void *RuntimeAllocateAligned(uint64_t size) VLM_NOEXCEPT;
-void *RuntimeReallocate(void *pointer, uint64_t size) VLM_NOEXCEPT;
-void *RuntimeReallocateAligned(void *pointer, uint64_t size) VLM_NOEXCEPT;
-void *RuntimeCallocate(uint64_t count, uint64_t size) VLM_NOEXCEPT;
-void *RuntimeCallocateAligned(uint64_t count, uint64_t size) VLM_NOEXCEPT;
-void RuntimeFree(void *pointer) VLM_NOEXCEPT;
+void* RuntimeAllocate(uint64_t size) VLM_NOEXCEPT;
+void* RuntimeAllocateAligned(uint64_t size) VLM_NOEXCEPT;
+void* RuntimeReallocate(void* pointer, uint64_t size) VLM_NOEXCEPT;
+void* RuntimeReallocateAligned(void* pointer, uint64_t size) VLM_NOEXCEPT;
+void* RuntimeCallocate(uint64_t count, uint64_t size) VLM_NOEXCEPT;
+void* RuntimeCallocateAligned(uint64_t count, uint64_t size) VLM_NOEXCEPT;
+void RuntimeFree(void* pointer) VLM_NOEXCEPT;
 
 /* ---- Accounts of the calling thread ---------------------------------------------------------------------------------- */
 
@@ -96,13 +96,13 @@ void MC_set_interrupt_fun(void (*function)(void)) VLM_NOEXCEPT;
 
 /** Opens a nested measurement of the peak. head is the address of a list head that the caller keeps, NULL at first.
  *  returns the bytes in use, from which the new peak starts. The list's node is a block of this thread (FailFatal). */
-int64_t MaxMemoryListPush(void **head) VLM_NOEXCEPT;
+int64_t MaxMemoryListPush(void** head) VLM_NOEXCEPT;
 /** Closes the measurement that the matching push on this thread opened; the outer one goes on with the larger peak. The list
  *  must not be empty: an assertion in debug builds, else the current peak is returned.
  *  returns the largest number of bytes in use since the push. */
-int64_t MaxMemoryListPop(void **head) VLM_NOEXCEPT;
+int64_t MaxMemoryListPop(void** head) VLM_NOEXCEPT;
 /** The number of open measurements of a list; 0 for NULL. */
-mint MaxMemoryListLength(void *list) VLM_NOEXCEPT;
+mint MaxMemoryListLength(void* list) VLM_NOEXCEPT;
 
 /** Reports the current total of an outside allocator (that of a binary-decision-diagram package). The change since the last
  *  report of any thread goes into this thread's bytes in use; growth raises the peak, and calls the interrupt function if
@@ -116,15 +116,15 @@ void RecordCUDDMemory(uint64_t total) VLM_NOEXCEPT;
  *          3 the same of larger blocks; else the thread's KThreadID. Accounts of ended threads are listed while blocks of
  *          theirs live.
  *  returns an array to be released with freeMemorySizeArray; NULL if the system has no more, *countOut then being 0. */
-int64_t *FullMemoryInformation(mint *countOut, int32_t what) VLM_NOEXCEPT;
+int64_t* FullMemoryInformation(mint* countOut, int32_t what) VLM_NOEXCEPT;
 /** Releases such an array; NULL is ignored. */
-void freeMemorySizeArray(int64_t *array) VLM_NOEXCEPT;
+void freeMemorySizeArray(int64_t* array) VLM_NOEXCEPT;
 
 /** Takes back every thread's blocks that other threads freed. No other thread may be allocating or freeing. */
 void CompactifyMemory(void) VLM_NOEXCEPT;
 
 /** The root record; NULL before the allocator is first used. */
-HeapRoot *GetAllocatorList(void) VLM_NOEXCEPT;
+HeapRoot* GetAllocatorList(void) VLM_NOEXCEPT;
 
 /** Makes the root record and the lists of thread-start and thread-stop functions where they are absent, and registers the
  *  function that gives back a thread's memory when it ends. Part of initialisation: no other thread may be in the library. */

@@ -78,7 +78,7 @@ typedef struct ParallelThreadWork {
 
 /** A worker, as a body sees it. Read it through the functions below. */
 struct ParallelThread {
-  mint id;             /**< from 0 to one below the number of workers; 0 also for work on the calling thread */
+  mint id; /**< from 0 to one below the number of workers; 0 also for work on the calling thread */
   int32_t keepRunning; /**< 0 asks the worker to leave; guarded by lock */
   int32_t go;          /**< work is waiting; guarded by lock */
   KMutex* lock;
@@ -86,7 +86,7 @@ struct ParallelThread {
   ParallelThreadsEnvironment* environment;
   ParallelThreadWork* work;
   KThread* thread;
-  mint osThreadId; /**< KThreadID of the worker */
+  mint osThreadId;      /**< KThreadID of the worker */
   ParallelThread* next; /**< link of the idle list */
 };
 
@@ -146,9 +146,10 @@ void Delete_ParallelThreadsSchedule(ParallelThreadsSchedule* schedule) VLM_NOEXC
  *  and the last one ends at end. The record's chunk is c during the call and afterwards what it was.
  *  returns   0 when all pieces have run, or end is not above start (checked first; init is then not called); 4 if step is
  *            below 1 or body is NULL (nothing is called); else the code of the last ParallelThread_cancel. */
-int32_t ParallelThreads_For(void* argument, void (*init)(void* argument, ParallelThreadsEnvironment* environment),
-                            void (*body)(void* argument, ParallelThread* thread), mint start, mint end, mint step,
-                            ParallelThreadsSchedule* schedule) VLM_NOEXCEPT;
+int32_t ParallelThreads_For(void* argument,
+                            void (*init)(void* argument, ParallelThreadsEnvironment* environment),
+                            void (*body)(void* argument, ParallelThread* thread), mint start, mint end,
+                            mint step, ParallelThreadsSchedule* schedule) VLM_NOEXCEPT;
 
 /** The same range, one piece for each worker: worker k, by its ID, has the k-th piece of (end - start) / n rounded up to a
  *  multiple of step, the last up to end; a piece can be empty. Partial results kept by ID and merged in that order are
@@ -156,7 +157,8 @@ int32_t ParallelThreads_For(void* argument, void (*init)(void* argument, Paralle
  *  is one worker, the call is a second one, or (end - start) / step is below n. Init may size its storage by
  *  ParallelThreadsEnvironment_numThreads of its argument, which says how many pieces will run; that record is valid until
  *  the call returns. Returns as ParallelThreads_For. */
-int32_t ParallelThreads_Reduce(void* argument, void (*init)(void* argument, ParallelThreadsEnvironment* environment),
+int32_t ParallelThreads_Reduce(void* argument,
+                               void (*init)(void* argument, ParallelThreadsEnvironment* environment),
                                void (*body)(void* argument, ParallelThread* thread), mint start, mint end,
                                mint step) VLM_NOEXCEPT;
 

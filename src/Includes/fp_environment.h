@@ -50,7 +50,8 @@ template <class T> inline void pin(T& x) {
 static_assert(FE_INVALID == 0x01 && FE_DIVBYZERO == 0x04 && FE_OVERFLOW == 0x08);
 
 namespace detail {
-inline constexpr uint32_t mxcsr_all_masked = 0x1F80;  // the default control bits: all traps masked, to nearest
+inline constexpr uint32_t mxcsr_all_masked =
+    0x1F80;  // the default control bits: all traps masked, to nearest
 inline constexpr uint32_t mxcsr_flags = 0x3F;
 inline uint32_t x87_status() {
   uint16_t word;
