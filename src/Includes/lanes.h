@@ -7,6 +7,7 @@
 // registers gives a mask register of all-ones or all-zero lanes, a comparison of numbers a bool.
 #pragma once
 
+#include <array>
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -196,6 +197,32 @@ template <class V> inline typename lanes_of<V>::mask from_up(V x, number_of<V> l
 /// x > 0 in the same way.
 template <class V> inline typename lanes_of<V>::mask is_positive(V x) {
   return from_up(x, std::numeric_limits<number_of<V>>::denorm_min());
+}
+
+/// The number nearest to a small integer held in the lane's bits (|k| < 2^51): exact.
+inline double to_number(int64_t k) { return static_cast<double>(k); }
+inline real64_lanes to_number(int64_lanes k) {
+#if defined(VELORIM_LANES_AVX512)
+  return (real64_lanes)_mm512_maskz_cvtepi64_pd(0xff, (__m512i)k);
+#elif defined(VELORIM_LANES_NEON)
+  return (real64_lanes)vcvtq_f64_s64((int64x2_t)k);
+#else
+  constexpr double magic = 0x1.8p52;
+  return from_bits<real64_lanes>((uint64_lanes)k + std::bit_cast<uint64_t>(magic)) - magic;
+#endif
+}
+
+/// table[k mod 16] for the integer k of each lane. The table is aligned to 64 bytes.
+inline double look_up(const std::array<double, 16>& table, uint64_t k) { return table[k & 15]; }
+inline real64_lanes look_up(const std::array<double, 16>& table, uint64_lanes k) {
+#if defined(VELORIM_LANES_AVX512)
+  return (real64_lanes)_mm512_permutex2var_pd(_mm512_load_pd(table.data()), (__m512i)k,
+                                              _mm512_load_pd(table.data() + 8));
+#else
+  real64_lanes r;
+  for (int i = 0; i < lanes_of<real64_lanes>::count; ++i) r[i] = table[k[i] & 15];
+  return r;
+#endif
 }
 
 /// Whether any lane of the mask is set.

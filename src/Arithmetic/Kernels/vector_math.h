@@ -20,11 +20,15 @@
 #include <limits>
 
 #include "Arithmetic/Kernels/definition.h"
+#include "Arithmetic/Kernels/elementary/atan.h"
+#include "Arithmetic/Kernels/elementary/cbrt.h"
+#include "Arithmetic/Kernels/elementary/exp.h"
+#include "Arithmetic/Kernels/elementary/hyperbolic.h"
+#include "Arithmetic/Kernels/elementary/log.h"
+#include "Arithmetic/Kernels/elementary/trigonometric.h"
 #include "Includes/fp_environment.h"
 
 namespace vlm::vm {
-
-using machine_function::ordinary_range;
 
 // SLEEF's names end in the register and the instruction set. Its forms for one lane and for a register agree
 // bit for bit when both use fused multiply-add (finz) or both do not (cinz).
@@ -62,6 +66,15 @@ template <auto Real64, auto Real64Lanes, auto Real32, auto Real32Lanes> struct s
   static real32_lanes body(real32_lanes x) { return (real32_lanes)Real32Lanes((sleef_real32)x); }
 };
 
+/// The library's own bodies need fused multiply-add in hardware to be fast.
+#if defined(VELORIM_LANES_SSE)
+inline constexpr bool has_fused_multiply_add = false;
+#else
+inline constexpr bool has_fused_multiply_add = true;
+#endif
+template <class V>
+inline constexpr bool in_own_form = has_fused_multiply_add&& std::is_same_v<number_of<V>, double>;
+
 /// f evaluated in the next wider type and rounded to the type of x, so within little more than half an ulp.
 template <class T, class F> inline T in_wider_type(F f, T x) {
   using wider = std::conditional_t<std::is_same_v<T, float>, double, long double>;
@@ -87,157 +100,309 @@ template <class Form> struct elementary_function {
 
 namespace form {
 
-/// Chooses the range by element type.
-template <class T> constexpr ordinary_range by_type(ordinary_range real64, ordinary_range real32) {
-  return std::is_same_v<T, double> ? real64 : real32;
-}
 inline constexpr double least64 = 0x1p-1022, most64 = 0x1.fffffffffffffp1023;
 inline constexpr double least32 = 0x1p-126, most32 = 0x1.fffffep127;
 
-struct exp : sleef<VELORIM_SLEEF_NAMES(exp, u10)> {
+/// Chooses by element type.
+template <class T> constexpr ordinary_range by_type(ordinary_range real64, ordinary_range real32) {
+  return std::is_same_v<T, double> ? real64 : real32;
+}
+
+struct exp {
+  using library = sleef<VELORIM_SLEEF_NAMES(exp, u10)>;
   template <class T> static constexpr ordinary_range range() {
-    return by_type<T>({-708, 709, false}, {-87, 88, false});
+    return by_type<T>(has_fused_multiply_add ? elementary::exp_range : ordinary_range{-708, 709, false},
+                      {-87, 88, false});
+  }
+  template <class V> static V body(V x) {
+    if constexpr (in_own_form<V>) {
+      return elementary::exp(x);
+    } else {
+      return library::body(x);
+    }
   }
   template <class T> static T outside(T x) { return std::exp(x); }
 };
-struct expm1 : sleef<VELORIM_SLEEF_NAMES(expm1, u10)> {
+struct expm1 {
+  using library = sleef<VELORIM_SLEEF_NAMES(expm1, u10)>;
   template <class T> static constexpr ordinary_range range() {
-    return by_type<T>({-700, 709, false}, {-80, 88, false});
+    return by_type<T>(has_fused_multiply_add ? elementary::expm1_range : ordinary_range{-700, 709, false},
+                      {-80, 88, false});
+  }
+  template <class V> static V body(V x) {
+    if constexpr (in_own_form<V>) {
+      return elementary::expm1(x);
+    } else {
+      return library::body(x);
+    }
   }
   template <class T> static T outside(T x) {
     return in_wider_type([](auto w) { return std::expm1(w); }, x);
   }
 };
-struct log : sleef<VELORIM_SLEEF_NAMES(log, u10)> {
+struct log {
+  using library = sleef<VELORIM_SLEEF_NAMES(log, u10)>;
   template <class T> static constexpr ordinary_range range() {
-    return by_type<T>({least64, most64, false}, {least32, most32, false});
+    return by_type<T>(has_fused_multiply_add ? elementary::log_range : ordinary_range{least64, most64, false},
+                      {least32, most32, false});
+  }
+  template <class V> static V body(V x) {
+    if constexpr (in_own_form<V>) {
+      return elementary::log(x);
+    } else {
+      return library::body(x);
+    }
   }
   template <class T> static T outside(T x) { return std::log(x); }
 };
-struct log1p : sleef<VELORIM_SLEEF_NAMES(log1p, u10)> {
+struct log1p {
+  using library = sleef<VELORIM_SLEEF_NAMES(log1p, u10)>;
   template <class T> static constexpr ordinary_range range() {
-    return by_type<T>({-0x1.fffffffffffffp-1, 1e300, false}, {-0x1.fffffep-1, 1e35, false});
+    return by_type<T>(has_fused_multiply_add ? elementary::log1p_range
+                                             : ordinary_range{-0x1.fffffffffffffp-1, 1e300, false},
+                      {-0x1.fffffep-1, 1e35, false});
+  }
+  template <class V> static V body(V x) {
+    if constexpr (in_own_form<V>) {
+      return elementary::log1p(x);
+    } else {
+      return library::body(x);
+    }
   }
   template <class T> static T outside(T x) {
     return in_wider_type([](auto w) { return std::log1p(w); }, x);
   }
 };
-struct log2 : sleef<VELORIM_SLEEF_NAMES(log2, u10)> {
-  template <class T> static constexpr ordinary_range range() { return log::range<T>(); }
+struct log2 {
+  using library = sleef<VELORIM_SLEEF_NAMES(log2, u10)>;
+  template <class T> static constexpr ordinary_range range() {
+    return by_type<T>({least64, most64, false}, {least32, most32, false});
+  }
+  template <class V> static V body(V x) { return library::body(x); }
   template <class T> static T outside(T x) { return std::log2(x); }
 };
-struct log10 : sleef<VELORIM_SLEEF_NAMES(log10, u10)> {
-  template <class T> static constexpr ordinary_range range() { return log::range<T>(); }
+struct log10 {
+  using library = sleef<VELORIM_SLEEF_NAMES(log10, u10)>;
+  template <class T> static constexpr ordinary_range range() {
+    return by_type<T>({least64, most64, false}, {least32, most32, false});
+  }
+  template <class V> static V body(V x) { return library::body(x); }
   template <class T> static T outside(T x) {
     return in_wider_type([](auto w) { return std::log10(w); }, x);
   }
 };
-struct sin : sleef<VELORIM_SLEEF_NAMES(sin, u10)> {
+struct sin {
+  using library = sleef<VELORIM_SLEEF_NAMES(sin, u10)>;
   template <class T> static constexpr ordinary_range range() {
-    return by_type<T>({0, 1e9, true}, {0, 1e5, true});
+    return by_type<T>(has_fused_multiply_add ? elementary::sin_range : ordinary_range{0, 1e9, true},
+                      {0, 1e5, true});
+  }
+  template <class V> static V body(V x) {
+    if constexpr (in_own_form<V>) {
+      return elementary::sin(x);
+    } else {
+      return library::body(x);
+    }
   }
   template <class T> static T outside(T x) { return std::sin(x); }
 };
-struct cos : sleef<VELORIM_SLEEF_NAMES(cos, u10)> {
-  template <class T> static constexpr ordinary_range range() { return sin::range<T>(); }
+struct cos {
+  using library = sleef<VELORIM_SLEEF_NAMES(cos, u10)>;
+  template <class T> static constexpr ordinary_range range() {
+    return by_type<T>(has_fused_multiply_add ? elementary::cos_range : ordinary_range{0, 1e9, true},
+                      {0, 1e5, true});
+  }
+  template <class V> static V body(V x) {
+    if constexpr (in_own_form<V>) {
+      return elementary::cos(x);
+    } else {
+      return library::body(x);
+    }
+  }
   template <class T> static T outside(T x) { return std::cos(x); }
 };
-struct tan : sleef<VELORIM_SLEEF_NAMES(tan, u10)> {
+struct tan {
+  using library = sleef<VELORIM_SLEEF_NAMES(tan, u10)>;
   template <class T> static constexpr ordinary_range range() {
-    return by_type<T>({0x1p-900, 1e9, true, true}, {0x1p-80, 1e5, true, true});
+    return by_type<T>(
+        has_fused_multiply_add ? elementary::tan_range : ordinary_range{0x1p-900, 1e9, true, true},
+        {0x1p-80, 1e5, true, true});
+  }
+  template <class V> static V body(V x) {
+    if constexpr (in_own_form<V>) {
+      return elementary::tan(x);
+    } else {
+      return library::body(x);
+    }
   }
   template <class T> static T outside(T x) { return std::tan(x); }
 };
-struct sinh : sleef<VELORIM_SLEEF_NAMES(sinh, u10)> {
+struct sinh {
+  using library = sleef<VELORIM_SLEEF_NAMES(sinh, u10)>;
   template <class T> static constexpr ordinary_range range() {
-    return by_type<T>({0x1p-26, 709, true, true}, {0x1p-12, 88, true, true});
+    return by_type<T>(
+        has_fused_multiply_add ? elementary::sinh_range : ordinary_range{0x1p-26, 709, true, true},
+        {0x1p-12, 88, true, true});
+  }
+  template <class V> static V body(V x) {
+    if constexpr (in_own_form<V>) {
+      return elementary::sinh(x);
+    } else {
+      return library::body(x);
+    }
   }
   template <class T> static T outside(T x) {
     return in_wider_type([](auto w) { return std::sinh(w); }, x);
   }
 };
-struct cosh : sleef<VELORIM_SLEEF_NAMES(cosh, u10)> {
+struct cosh {
+  using library = sleef<VELORIM_SLEEF_NAMES(cosh, u10)>;
   template <class T> static constexpr ordinary_range range() {
-    return by_type<T>({0, 709, true}, {0, 88, true});
+    return by_type<T>(has_fused_multiply_add ? elementary::cosh_range : ordinary_range{0, 709, true},
+                      {0, 88, true});
+  }
+  template <class V> static V body(V x) {
+    if constexpr (in_own_form<V>) {
+      return elementary::cosh(x);
+    } else {
+      return library::body(x);
+    }
   }
   template <class T> static T outside(T x) {
     return in_wider_type([](auto w) { return std::cosh(w); }, x);
   }
 };
-struct tanh : sleef<VELORIM_SLEEF_NAMES(tanh, u10)> {
+struct tanh {
+  using library = sleef<VELORIM_SLEEF_NAMES(tanh, u10)>;
   template <class T> static constexpr ordinary_range range() {
-    return by_type<T>({0x1p-26, 700, true, true}, {0x1p-12, 80, true, true});
+    return by_type<T>(
+        has_fused_multiply_add ? elementary::tanh_range : ordinary_range{0x1p-26, 700, true, true},
+        {0x1p-12, 80, true, true});
+  }
+  template <class V> static V body(V x) {
+    if constexpr (in_own_form<V>) {
+      return elementary::tanh(x);
+    } else {
+      return library::body(x);
+    }
   }
   template <class T> static T outside(T x) {
     return in_wider_type([](auto w) { return std::tanh(w); }, x);
   }
 };
-struct asin : sleef<VELORIM_SLEEF_NAMES(asin, u10)> {
-  template <class T> static constexpr ordinary_range range() { return {0, 1, true}; }
+struct asin {
+  using library = sleef<VELORIM_SLEEF_NAMES(asin, u10)>;
+  template <class T> static constexpr ordinary_range range() {
+    return by_type<T>({0, 1, true}, {0, 1, true});
+  }
+  template <class V> static V body(V x) { return library::body(x); }
   template <class T> static T outside(T x) { return std::asin(x); }
 };
-struct acos : sleef<VELORIM_SLEEF_NAMES(acos, u10)> {
-  template <class T> static constexpr ordinary_range range() { return {0, 1, true}; }
+struct acos {
+  using library = sleef<VELORIM_SLEEF_NAMES(acos, u10)>;
+  template <class T> static constexpr ordinary_range range() {
+    return by_type<T>({0, 1, true}, {0, 1, true});
+  }
+  template <class V> static V body(V x) { return library::body(x); }
   template <class T> static T outside(T x) { return std::acos(x); }
 };
-struct atan : sleef<VELORIM_SLEEF_NAMES(atan, u10)> {
+struct atan {
+  using library = sleef<VELORIM_SLEEF_NAMES(atan, u10)>;
   template <class T> static constexpr ordinary_range range() {
-    return by_type<T>({0, 1e300, true}, {0, 1e35, true});
+    return by_type<T>(has_fused_multiply_add ? elementary::atan_range : ordinary_range{0, 1e300, true},
+                      {0, 1e35, true});
+  }
+  template <class V> static V body(V x) {
+    if constexpr (in_own_form<V>) {
+      return elementary::atan(x);
+    } else {
+      return library::body(x);
+    }
   }
   template <class T> static T outside(T x) { return std::atan(x); }
 };
-struct asinh : sleef<VELORIM_SLEEF_NAMES(asinh, u10)> {
+struct asinh {
+  using library = sleef<VELORIM_SLEEF_NAMES(asinh, u10)>;
   template <class T> static constexpr ordinary_range range() {
-    return by_type<T>({0x1p-26, 1e150, true, true}, {0x1p-12, 1e18, true, true});
+    return by_type<T>(
+        has_fused_multiply_add ? elementary::asinh_range : ordinary_range{0x1p-26, 1e150, true, true},
+        {0x1p-12, 1e18, true, true});
+  }
+  template <class V> static V body(V x) {
+    if constexpr (in_own_form<V>) {
+      return elementary::asinh(x);
+    } else {
+      return library::body(x);
+    }
   }
   template <class T> static T outside(T x) {
     return in_wider_type([](auto w) { return std::asinh(w); }, x);
   }
 };
-struct acosh : sleef<VELORIM_SLEEF_NAMES(acosh, u10)> {
+struct acosh {
+  using library = sleef<VELORIM_SLEEF_NAMES(acosh, u10)>;
   template <class T> static constexpr ordinary_range range() {
     return by_type<T>({1, 1e150, false}, {1, 1e18, false});
   }
+  template <class V> static V body(V x) { return library::body(x); }
   template <class T> static T outside(T x) {
     return in_wider_type([](auto w) { return std::acosh(w); }, x);
   }
 };
-struct atanh : sleef<VELORIM_SLEEF_NAMES(atanh, u10)> {
+struct atanh {
+  using library = sleef<VELORIM_SLEEF_NAMES(atanh, u10)>;
   template <class T> static constexpr ordinary_range range() {
     return by_type<T>({0x1p-26, 0x1.fffffffffffffp-1, true, true}, {0x1p-12, 0x1.fffffep-1, true, true});
   }
+  template <class V> static V body(V x) { return library::body(x); }
   template <class T> static T outside(T x) {
     return in_wider_type([](auto w) { return std::atanh(w); }, x);
   }
 };
-struct cbrt : sleef<VELORIM_SLEEF_NAMES(cbrt, u10)> {
+struct cbrt {
+  using library = sleef<VELORIM_SLEEF_NAMES(cbrt, u10)>;
   template <class T> static constexpr ordinary_range range() {
-    return by_type<T>({least64, most64, true}, {least32, most32, true});
+    return by_type<T>(has_fused_multiply_add ? elementary::cbrt_range : ordinary_range{least64, most64, true},
+                      {least32, most32, true});
+  }
+  template <class V> static V body(V x) {
+    if constexpr (in_own_form<V>) {
+      return elementary::cbrt(x);
+    } else {
+      return library::body(x);
+    }
   }
   template <class T> static T outside(T x) {
     return in_wider_type([](auto w) { return std::cbrt(w); }, x);
   }
 };
-struct erf : sleef<VELORIM_SLEEF_NAMES(erf, u10)> {
+struct erf {
+  using library = sleef<VELORIM_SLEEF_NAMES(erf, u10)>;
   template <class T> static constexpr ordinary_range range() {
     return by_type<T>({0, 100, true}, {0, 50, true});
   }
+  template <class V> static V body(V x) { return library::body(x); }
   template <class T> static T outside(T x) {
     return in_wider_type([](auto w) { return std::erf(w); }, x);
   }
 };
-struct tgamma : sleef<VELORIM_SLEEF_NAMES(tgamma, u10)> {
+struct tgamma {
+  using library = sleef<VELORIM_SLEEF_NAMES(tgamma, u10)>;
   template <class T> static constexpr ordinary_range range() {
     return by_type<T>({0x1p-500, 171, false}, {0x1p-60, 34, false});
   }
+  template <class V> static V body(V x) { return library::body(x); }
   template <class T> static T outside(T x) {
     return in_wider_type([](auto w) { return std::tgamma(w); }, x);
   }
 };
-struct lgamma : sleef<VELORIM_SLEEF_NAMES(lgamma, u10)> {
+struct lgamma {
+  using library = sleef<VELORIM_SLEEF_NAMES(lgamma, u10)>;
   template <class T> static constexpr ordinary_range range() {
     return by_type<T>({0x1p-500, 1e300, false}, {0x1p-60, 1e34, false});
   }
+  template <class V> static V body(V x) { return library::body(x); }
+  /// The reentrant forms: the others write the sign of gamma to a variable of the process.
   static double outside(double x) {
     int sign;
     return static_cast<double>(lgammal_r(x, &sign));
