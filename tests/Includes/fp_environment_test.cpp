@@ -1,11 +1,12 @@
 // Catches: flags that are cleared, tested or restored in one unit of the processor and not in the other; a clear that takes
-// flags which do not count; a quiet section that lets its flags out, swallows earlier ones, or changes the rounding mode;
-// arithmetic that the compiler moves across a clear or a test.
+// flags which do not count; a section that lets its flags out, swallows earlier ones, runs in the caller's rounding mode
+// or leaves another behind; arithmetic that the compiler moves across a clear or a test.
 #include "Includes/fp_environment.h"
 
 #include <gtest/gtest.h>
 
 #include <cfenv>
+#include <limits>
 #include <thread>
 #include <vector>
 
@@ -66,18 +67,18 @@ TEST_F(FpEnvironment, AQuietSectionPutsBackWhatItFound) {
     for (int inside : counted) {
       std::feclearexcept(FE_ALL_EXCEPT);
       fp::raise(before);
-      const int found = std::fetestexcept(FE_ALL_EXCEPT);
+      const int found = fp::test_flags();
       {
         fp::quiet_section quiet;
         raise_by_arithmetic<double>(inside);
         EXPECT_NE(fp::test_flags() & inside, 0);
       }
-      EXPECT_EQ(std::fetestexcept(FE_ALL_EXCEPT), found);
+      EXPECT_EQ(fp::test_flags(), found);
       {
         fp::quiet_section quiet;
         fp::clear_flags();
         quiet.restore();
-        EXPECT_EQ(std::fetestexcept(FE_ALL_EXCEPT), found);
+        EXPECT_EQ(fp::test_flags(), found);
         raise_by_arithmetic<double>(
             FE_OVERFLOW);  // after the early end: counts, and the end of the scope leaves it
       }
@@ -86,20 +87,44 @@ TEST_F(FpEnvironment, AQuietSectionPutsBackWhatItFound) {
   }
 }
 
-TEST_F(FpEnvironment, AQuietSectionRunsToNearestAndPutsTheRoundingModeBack) {
-  volatile double one = 1, three = 3;
-  const double nearest = one / three;
+TEST_F(FpEnvironment, SectionsRunToNearestAndGiveTheModeBack) {
+  volatile double minus_one = -1,
+                  three = 3;  // -1/3 rounded to nearest lies above, rounded down below the quotient
+  const double nearest = minus_one / three;
   std::fesetround(FE_DOWNWARD);
-  volatile double inside, after;
+  volatile double quiet_value, default_value, after;
   {
     fp::quiet_section quiet;
-    inside = -one / three;
+    quiet_value = minus_one / three;
   }
-  after = -one / three;
   EXPECT_EQ(std::fegetround(), FE_DOWNWARD);
+  {
+    fp::default_section section;
+    default_value = minus_one / three;
+  }
+  EXPECT_EQ(std::fegetround(), FE_DOWNWARD);
+  after = minus_one / three;
   std::fesetround(FE_TONEAREST);
-  EXPECT_EQ(inside, -nearest);
-  EXPECT_LT(after, inside);
+  EXPECT_EQ(quiet_value, nearest);
+  EXPECT_EQ(default_value, nearest);
+  EXPECT_LT(after, nearest);
+}
+
+TEST_F(FpEnvironment, ADefaultSectionTellsWhatItRaisedAlone) {
+  for (int before : counted) {
+    for (int inside : counted) {
+      std::feclearexcept(FE_ALL_EXCEPT);
+      fp::raise(before);
+      const int found = std::fetestexcept(FE_ALL_EXCEPT);
+      {
+        fp::default_section section;
+        EXPECT_EQ(section.raised() & fp::flag_set, 0);
+        raise_by_arithmetic<double>(inside);
+        EXPECT_EQ(section.raised() & fp::flag_set, inside);
+      }
+      EXPECT_EQ(std::fetestexcept(FE_ALL_EXCEPT), found);
+    }
+  }
 }
 
 // What the head of fp_environment.h promises: runs over memory are judged whole, single values after pin.
