@@ -9,12 +9,11 @@ template <class T>
 inline constexpr int32_t type_code =
     std::is_same_v<T, double> ? MNumericArrayTypeReal64 : MNumericArrayTypeReal32;
 
-/// The reference is taken in double for Real32: the standard functions in float may err by more than the
-/// kernels.
+/// The reference is taken in long double and rounded: the standard functions in double err by several units themselves.
 template <class T, class Reference>
 void add(const std::string& type, const std::string& name, int32_t number, double low, double high,
          Reference function) {
-  const auto reference = [function](T x) { return static_cast<T>(function(static_cast<double>(x))); };
+  const auto reference = [function](T x) { return static_cast<T>(function(static_cast<long double>(x))); };
   const auto kernel = [number] { return MNumericArray_getUnaryVectorMachFunc(number, type_code<T>); };
   benchmark::RegisterBenchmark((type + "/" + name + "/new").c_str(), [=](benchmark::State& state) {
     const thread_number one(1);
@@ -32,7 +31,7 @@ void register_elementary() {
   using Real64 = double;
   using Real32 = float;
 #define ELEMENTARY(type, name, low, high) \
-  add<type>(#type, #name, MachFunc_##name, low, high, [](double x) { return std::name(x); });
+  add<type>(#type, #name, MachFunc_##name, low, high, [](long double x) { return std::name(x); });
 #define INTEGER(type, name, low, high)
 #include "cases.def"
 #undef ELEMENTARY

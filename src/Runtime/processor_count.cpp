@@ -91,6 +91,7 @@ std::vector<int32_t> faster_processors(const std::vector<int32_t>& permitted, co
   // those with more than half of the highest capacity count, so that one prime core alone is not taken for
   // the machine.
   std::vector<int64_t> capacities;
+  capacities.reserve(permitted.size());
   for (const int32_t processor : permitted) {
     capacities.push_back(first_number(processor_folder(files, processor) / "cpu_capacity").value_or(0));
   }

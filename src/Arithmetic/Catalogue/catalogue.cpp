@@ -13,6 +13,18 @@
 #include "Arithmetic/Kernels/trigonometric.h"
 
 namespace vlm::machine_function {
+
+// Instantiated in the families' source files.
+extern template struct family<trigonometric_functions>;
+extern template struct family<hyperbolic_functions>;
+extern template struct family<exponential_functions>;
+extern template struct family<sign_functions>;
+extern template struct family<rounding_functions>;
+extern template struct family<power_functions>;
+extern template struct family<bit_functions>;
+extern template struct family<special_functions>;
+extern template struct family<step_functions>;
+
 namespace {
 
 using number_table = std::array<const function_rows*, unary_number_count + 1>;
