@@ -1,6 +1,8 @@
 // Hyperbolic functions, their inverses, and the Gudermannian.
 #pragma once
 
+#include <algorithm>
+
 #include "Arithmetic/Kernels/trigonometric.h"
 #include "Arithmetic/Kernels/vector_math.h"
 
@@ -150,8 +152,9 @@ struct Acoth {
   static constexpr char return_range[] = "-CC";
   struct on_reals : checked_real {
     template <class T> static constexpr ordinary_range range() {
+      constexpr double least = vm::atanh.range<T>().low, most = std::numeric_limits<T>::max() / 8;
       return {1 + 2 * static_cast<double>(std::numeric_limits<T>::epsilon()),
-              std::numeric_limits<T>::max() / 8, true};
+              least * most > 1 ? 1 / least : most, true};
     }
     template <class V> static V value(V x) { return vm::atanh(broadcast<V>(1) / x); }
   };
@@ -163,7 +166,10 @@ struct Gudermannian {
   static constexpr char name[] = "gudermannian";
   static constexpr char return_range[] = "-CC";
   struct on_reals : checked_real {
-    template <class T> static constexpr ordinary_range range() { return vm::tanh.range<T>(); }
+    template <class T> static constexpr ordinary_range range() {
+      constexpr ordinary_range of_half = vm::tanh.range<T>();
+      return {2 * of_half.low, of_half.high, true, of_half.and_zero};
+    }
     template <class V> static V value(V x) {
       return broadcast<V>(2) * vm::atan(vm::tanh(x / broadcast<V>(2)));
     }
@@ -176,7 +182,9 @@ struct InverseGudermannian {
   static constexpr char name[] = "inversegudermannian";
   static constexpr char return_range[] = "-CC";
   struct on_reals : checked_real {
-    template <class T> static constexpr ordinary_range range() { return {0, 1.5, true}; }
+    template <class T> static constexpr ordinary_range range() {
+      return {2 * std::max(vm::tan.range<T>().low, vm::atanh.range<T>().low), 1.5, true};
+    }
     template <class V> static V value(V x) {
       return broadcast<V>(2) * vm::atanh(vm::tan(x / broadcast<V>(2)));
     }
