@@ -100,6 +100,33 @@ template <class V> inline V load(const number_of<V>* p) {
 }
 template <class V> inline void store(number_of<V>* p, V v) { std::memcpy(p, &v, sizeof v); }
 
+/// The first n lanes (0 < n < count) from p, the others copies of the first; and the first n lanes to p.
+template <class V> inline V load_first(const number_of<V>* p, int64_t n) {
+#if defined(VELORIM_LANES_AVX512)
+  const V spare = broadcast<V>(p[0]);
+  if constexpr (sizeof(*p) == 8) {
+    return (V)_mm512_mask_loadu_pd((__m512d)spare, static_cast<__mmask8>((1u << n) - 1), p);
+  } else {
+    return (V)_mm512_mask_loadu_ps((__m512)spare, static_cast<__mmask16>((1u << n) - 1), p);
+  }
+#else
+  V v = broadcast<V>(p[0]);
+  for (int64_t i = 1; i < n; ++i) v[i] = p[i];
+  return v;
+#endif
+}
+template <class V> inline void store_first(number_of<V>* p, V v, int64_t n) {
+#if defined(VELORIM_LANES_AVX512)
+  if constexpr (sizeof(*p) == 8) {
+    _mm512_mask_storeu_pd(p, static_cast<__mmask8>((1u << n) - 1), (__m512d)v);
+  } else {
+    _mm512_mask_storeu_ps(p, static_cast<__mmask16>((1u << n) - 1), (__m512)v);
+  }
+#else
+  for (int64_t i = 0; i < n; ++i) p[i] = v[i];
+#endif
+}
+
 template <class V> inline typename lanes_of<V>::unsigned_bits to_bits(V v) {
   return std::bit_cast<typename lanes_of<V>::unsigned_bits>(v);
 }

@@ -153,13 +153,9 @@ template <class C, class T> void ordinary_range_values(T* result, const T* sourc
   for (; i + width <= n; i += width) {
     one_register(load<V>(source + i), [&](V y) { store(result + i, y); });
   }
+  // The tail goes through the same form.
   if (i < n) {
-    // The tail goes through the same form, its spare lanes filled with its first element.
-    T lanes[width];
-    std::fill_n(lanes, width, source[i]);
-    std::copy_n(source + i, n - i, lanes);
-    one_register(load<V>(lanes), [&](V y) { store(lanes, y); });
-    std::copy_n(lanes, n - i, result + i);
+    one_register(load_first<V>(source + i, n - i), [&](V y) { store_first(result + i, y, n - i); });
   }
 }
 
