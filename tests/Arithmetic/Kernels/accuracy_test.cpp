@@ -22,7 +22,7 @@ namespace {
 
 using namespace vlm;
 using real_functions::golden_terms;
-using vlm::machine_function::ordinary_range;
+using vlm::ordinary_range;
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr int samples = 60;

@@ -36,7 +36,7 @@ constexpr int lane_count = lanes_of<real64_lanes>::count;
 
 struct elementary_function {
   const char* name;
-  elementary::ordinary_range range;
+  vlm::ordinary_range range;
   double (*number)(double);
   real64_lanes (*lanes)(real64_lanes);
   int (*oracle)(mpfr_t, const mpfr_t, mpfr_rnd_t);

@@ -12,8 +12,8 @@
 #include "Arithmetic/Kernels/trigonometric.h"
 
 /// By function number; none for functions without a register form.
-template <class T> std::map<int32_t, vlm::machine_function::ordinary_range> ordinary_ranges() {
-  std::map<int32_t, vlm::machine_function::ordinary_range> ranges;
+template <class T> std::map<int32_t, vlm::ordinary_range> ordinary_ranges() {
+  std::map<int32_t, vlm::ordinary_range> ranges;
   using namespace vlm::machine_function;
   const auto enter = [&]<class F>() {
     if constexpr (has_range<class_of<F, T>, T>) ranges[F::number] = class_of<F, T>::template range<T>();
