@@ -20,8 +20,8 @@ template <class V> inline scaled_exp<V> exp_parts(V x) {
 }
 
 /// e^x. x = n ln 2 / 16 + r; the power of two has 60 good bits with its error term, and only 2 % of the
-/// result is computed with a rounded r, so the last addition makes nearly all of the error:
-/// at most 0.53 ulp measured.
+/// result is computed with a rounded r, so the last addition makes nearly all of the error; at most 0.54 ulp
+/// measured in 1.5 million arguments.
 inline constexpr ordinary_range exp_range{-708, 709, false};
 template <class V> inline V exp(V x) {
   const auto e = exp_parts(x);
@@ -49,7 +49,7 @@ template <class V> inline scaled_expm1<V> expm1_parts(V x) {
           from_bits<V>(bits_of_one + k)};
 }
 
-/// e^x - 1, also for small x. At most 0.54 ulp measured.
+/// e^x - 1, also for small x. At most 0.56 ulp measured.
 inline constexpr ordinary_range expm1_range{-700, 709, false};
 template <class V> inline V expm1(V x) {
   const auto e = expm1_parts(x);

@@ -20,6 +20,7 @@ template <class V> inline pair<V> plus(double c, pair<V> e) {
 }
 
 /// (E + E / (E + 1)) / 2 with E = exp|x| - 1.
+/// At most 0.56 ulp measured.
 inline constexpr ordinary_range sinh_range{0, 709, true};
 template <class V> inline V sinh(V x) {
   const auto e = expm1_pair(magnitude(x));
@@ -29,6 +30,7 @@ template <class V> inline V sinh(V x) {
 }
 
 /// (e^|x| + 1 / e^|x|) / 2.
+/// At most 0.63 ulp measured: the quotient is rounded by itself.
 inline constexpr ordinary_range cosh_range{0, 709, true};
 template <class V> inline V cosh(V x) {
   const auto e = exp_parts(magnitude(x));
@@ -40,6 +42,7 @@ template <class V> inline V cosh(V x) {
 }
 
 /// E / (E + 2) with E = exp(2|x|) - 1; from 22 on the result is 1.
+/// At most 0.56 ulp measured.
 inline constexpr ordinary_range tanh_range{0, 0x1.fffffffffffffp+1023, true};
 template <class V> inline V tanh(V x) {
   const V a = magnitude(x);
@@ -52,6 +55,7 @@ template <class V> inline V tanh(V x) {
 
 /// log(a + sqrt(1 + a^2)), a = |x|, its argument to twice the precision; below 2^-9 three terms of the
 /// series.
+/// At most 0.64 ulp measured.
 inline constexpr ordinary_range asinh_range{0, 0x1p500, true};
 template <class V> inline V asinh(V x) {
   const V a = magnitude(x);
