@@ -299,7 +299,7 @@ TEST(Overlap, DifferentElementSize) {
 // ---- Threads.
 
 /// A failure in a split run is the first element of its chunk, so it tells whether the run was split.
-TEST(Threads, SplitFromTheThresholdOn) {
+TEST(TeamRuns, SplitFromTheThresholdOn) {
   const team two(2, 1000);
   for (const mint count : {999, 1000, 1001, 2500}) {
     std::vector<double> source = ones(static_cast<size_t>(count)), result(source.size(), guard);
@@ -312,7 +312,7 @@ TEST(Threads, SplitFromTheThresholdOn) {
   }
 }
 
-TEST(Threads, HostSettingsKeepTheRunOnOneThread) {
+TEST(TeamRuns, HostSettingsKeepTheRunOnOneThread) {
   std::vector<double> source = ones(2000), result(2000);
   source[1999] = -1.0;
   {
@@ -327,7 +327,7 @@ TEST(Threads, HostSettingsKeepTheRunOnOneThread) {
 }
 
 /// The smallest failing position of integers, whichever chunk ends first; the flags of the caller's thread do not count.
-TEST(Threads, SmallestPositionWins) {
+TEST(TeamRuns, SmallestPositionWins) {
   const team three(3, 1000);
   for (int trial = 0; trial < 50; ++trial) {
     for (const auto& failing : failing_positions(4000)) {
@@ -344,7 +344,7 @@ TEST(Threads, SmallestPositionWins) {
   }
 }
 
-TEST(Threads, FirstFailingChunkOfBulkMode) {
+TEST(TeamRuns, FirstFailingChunkOfBulkMode) {
   const team two(2, 1000);
   for (const size_t failing : {0, 499, 500, 1700, 3999}) {
     std::vector<double> source = ones(4000), result(4000, guard);
@@ -356,7 +356,7 @@ TEST(Threads, FirstFailingChunkOfBulkMode) {
 }
 
 /// Broadcast and strided runs hand each chunk the right place.
-TEST(Threads, ChunksOfEveryShape) {
+TEST(TeamRuns, ChunksOfEveryShape) {
   const team two(2, 64);
   for (const mint r_step : {1, 2, -1}) {
     for (const mint x_step : {0, 1, 3, -2}) {
@@ -376,7 +376,7 @@ TEST(Threads, ChunksOfEveryShape) {
 
 TEST(IntegerCopy, CopiesInEveryShape) {
   for (const mint n : {1, 5, 600}) {
-    std::vector<mint> data(3000);
+    std::vector<mint> data(4000);
     for (size_t i = 0; i < data.size(); ++i) data[i] = static_cast<mint>(i);
     for (const mint shift : {0, 1, -1, 700}) {
       for (const mint r_step : {1, 2, -1}) {

@@ -22,7 +22,8 @@ struct entry {
   std::function<number(const number&)> exact;
   std::vector<interval> where;  // arguments are drawn from here; both ends are tried
   double bound64, bound32;      // largest error in units in the last place
-  double limit32 = 0;           // Real32 arguments keep to this magnitude; 0 for no limit
+  double most32 = 0;            // Real32 arguments keep to this magnitude and above the next; 0 for no limit
+  double least32 = 0;
 };
 
 /// The terms p = golden^x and q = cos(pi x) / p of the real Fibonacci and Lucas numbers, with the constants of T
@@ -84,10 +85,12 @@ inline std::vector<entry> all() {
       {29,
        "acsch",
        of_reciprocal(mpfr_asinh),
-       {{-big, -1e-37}, {1e-37, big}, {-20, -0.01}, {0.01, 20}},
+       {{-big, -3e-308}, {3e-308, big}, {-20, -0.01}, {0.01, 20}},
        2,
-       2},
-      {30, "asech", of_reciprocal(mpfr_acosh), {{1e-37, 0.8}, {1e-37, 1e-30}}, 2, 2},
+       2,
+       0,
+       1e-37},
+      {30, "asech", of_reciprocal(mpfr_acosh), {{3e-308, 0.8}, {1e-37, 1e-30}}, 2, 2, 0, 1e-37},
       {31, "acoth", of_reciprocal(mpfr_atanh), {{1.25, 20}, {-20, -1.25}, {2, big}}, 2.5, 2.5},
       {32, "exp", f(mpfr_exp), everywhere, 1, 1},
       {33, "expm1", f(mpfr_expm1), everywhere, 1, 1},
@@ -122,7 +125,7 @@ inline std::vector<entry> all() {
       {74, "erfc", f(mpfr_erfc), everywhere, 1, 1},
       {75, "erf", f(mpfr_erf), everywhere, 1, 1},
       {76, "gamma", f(mpfr_gamma), {{0, 171.6}, {0, 1e-300}, {-30, 30}, {-180, 0}}, 1, 1},
-      {77, "loggamma", gamma_log, {{1e-44, 1e300}, {0.01, 20}, {0.5, 2.5}, {1e-300, 1e-290}}, 1, 1},
+      {77, "loggamma", gamma_log, {{5e-324, 2.5e305}, {0.01, 20}, {0.5, 2.5}, {1e-300, 1e-290}}, 1, 1},
       {80, "logistic",
        [](const number& x) { return number(1) / (number(1) + apply(mpfr_exp, number(0) - x)); }, everywhere,
        2.5, 2.5},
