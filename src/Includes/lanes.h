@@ -252,28 +252,47 @@ inline real64_lanes look_up(const std::array<double, 16>& table, uint64_lanes k)
 #endif
 }
 
-/// Whether any lane of the mask is set.
-inline bool any_lane(bool mask) { return mask; }
-inline bool any_lane(mask64_lanes mask) {
+/// Some of the lanes of a register: bit i for lane i.
+using lane_set = uint32_t;
+template <class V> inline constexpr lane_set every_lane = (lane_set{1} << lanes_of<V>::count) - 1;
+
+inline lane_set set_lanes(mask64_lanes mask) {
 #if defined(VELORIM_LANES_AVX512)
-  return _mm512_movepi64_mask((__m512i)mask) != 0;
+  return _mm512_movepi64_mask((__m512i)mask);
 #elif defined(VELORIM_LANES_AVX2)
-  return _mm256_movemask_pd((__m256d)mask) != 0;
+  return static_cast<lane_set>(_mm256_movemask_pd((__m256d)mask));
 #elif defined(VELORIM_LANES_NEON)
-  return vmaxvq_u32((uint32x4_t)mask) != 0;
+  return lane_set{mask[0] != 0} | lane_set{mask[1] != 0} << 1;
 #else
-  return _mm_movemask_pd((__m128d)mask) != 0;
+  return static_cast<lane_set>(_mm_movemask_pd((__m128d)mask));
 #endif
 }
-inline bool any_lane(mask32_lanes mask) {
+inline lane_set set_lanes(mask32_lanes mask) {
 #if defined(VELORIM_LANES_AVX512)
-  return _mm512_movepi32_mask((__m512i)mask) != 0;
+  return _mm512_movepi32_mask((__m512i)mask);
 #elif defined(VELORIM_LANES_AVX2)
-  return _mm256_movemask_ps((__m256)mask) != 0;
+  return static_cast<lane_set>(_mm256_movemask_ps((__m256)mask));
 #elif defined(VELORIM_LANES_NEON)
-  return vmaxvq_u32((uint32x4_t)mask) != 0;
+  lane_set lanes = 0;
+  for (int i = 0; i < 4; ++i) lanes |= lane_set{mask[i] != 0} << i;
+  return lanes;
 #else
-  return _mm_movemask_ps((__m128)mask) != 0;
+  return static_cast<lane_set>(_mm_movemask_ps((__m128)mask));
+#endif
+}
+
+/// The lanes with low <= x <= high.
+template <class V> inline lane_set lanes_between(V x, V low, V high) {
+#if defined(VELORIM_LANES_AVX512)
+  if constexpr (sizeof(number_of<V>) == 8) {
+    return _mm512_mask_cmp_pd_mask(_mm512_cmp_pd_mask((__m512d)x, (__m512d)low, _CMP_GE_OQ), (__m512d)x,
+                                   (__m512d)high, _CMP_LE_OQ);
+  } else {
+    return _mm512_mask_cmp_ps_mask(_mm512_cmp_ps_mask((__m512)x, (__m512)low, _CMP_GE_OQ), (__m512)x,
+                                   (__m512)high, _CMP_LE_OQ);
+  }
+#else
+  return set_lanes((x >= low) & (x <= high));
 #endif
 }
 

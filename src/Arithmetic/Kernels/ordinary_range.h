@@ -12,18 +12,23 @@ struct ordinary_range {
   bool and_zero = false;
 };
 
-/// Whether x lies in the range, lane by lane. Raises no flag that counts for a number that is not a
-/// signalling NaN.
-template <class V> inline auto in_range(const ordinary_range& range, V x) {
-  const V m = range.of_magnitude ? magnitude(x) : x;
+/// Whether a number lies in the range; raises no flag for a quiet NaN.
+template <class T> inline bool in_range(const ordinary_range& range, T x) {
+  const T m = range.of_magnitude ? magnitude(x) : x;
+  const bool inside = __builtin_isgreaterequal(m, static_cast<T>(range.low)) &&
+                      __builtin_islessequal(m, static_cast<T>(range.high));
+  return inside || (range.and_zero && x == 0);
+}
+
+/// The lanes of x inside the ordinary range of a class of functions (or of one) C; may raise stray flags.
+template <class C, class V> inline lane_set ordinary_lanes(V x) {
   using T = number_of<V>;
-  const V low = broadcast<V>(static_cast<T>(range.low)), high = broadcast<V>(static_cast<T>(range.high));
-  if constexpr (is_register<V>) {
-    const auto inside = (m >= low) & (m <= high);
-    return range.and_zero ? inside | (x == V{}) : inside;
-  } else {
-    return (__builtin_isgreaterequal(m, low) && __builtin_islessequal(m, high)) || (range.and_zero && x == 0);
-  }
+  constexpr ordinary_range range = C::template range<T>();
+  constexpr T low = static_cast<T>(range.low), high = static_cast<T>(range.high);
+  const V m = range.of_magnitude ? magnitude(x) : x;
+  lane_set inside = lanes_between(m, broadcast<V>(low), broadcast<V>(high));
+  if constexpr (range.and_zero) inside |= set_lanes(x == V{});
+  return inside;
 }
 
 }  // namespace vlm

@@ -125,37 +125,42 @@ template <class F, class T> inline VelorimError checked_element(result_of<F, T>*
   return VelorimError_success;
 }
 
-/// Registers of a class with an ordinary range: stray flags of the register form are set aside for the whole
-/// run, and lanes outside the range are computed as numbers with the flags let through.
-template <class C, class T> void ordinary_range_values(T* result, const T* source, mint n) {
+/// The lanes of x that are not ordinary, computed as numbers outside the quiet section; y holds the others.
+template <class C, class V>
+[[gnu::cold, gnu::noinline]] V with_special_lanes(V x, V y, lane_set ordinary,
+                                                  std::optional<fp::quiet_section>& quiet) {
+  fp::pin(y);
+  quiet.reset();
+  for (int lane = 0; lane < lanes_of<V>::count; ++lane) {
+    if ((ordinary >> lane & 1) == 0) y[lane] = C::value(static_cast<number_of<V>>(x[lane]));
+  }
+  quiet.emplace();
+  return y;
+}
+
+/// Registers of a class with an ordinary range: stray flags of the register form are set aside for the whole run, and lanes
+/// outside the range are computed as numbers with the flags let through. The whole body is inlined, which keeps its constants in
+/// registers.
+template <class C, class T> [[gnu::flatten]] void ordinary_range_values(T* result, const T* source, mint n) {
   using V = register_of<T>;
   constexpr mint width = lanes_of<V>::count;
-  constexpr ordinary_range range = C::template range<T>();
   std::optional<fp::quiet_section> quiet(std::in_place);
-  const auto one_register = [&](V x, auto write) {
-    const auto inside = in_range(range, x);
-    V y = C::value(x);
-    if (any_lane(~inside)) [[unlikely]] {
-      T special[width], ordinary[width];
-      fp::pin(y);
-      store(special, x);
-      store(ordinary, y);
-      quiet.reset();
-      for (mint lane = 0; lane < width; ++lane) {
-        if (!inside[lane]) ordinary[lane] = C::value(special[lane]);
-      }
-      y = load<V>(ordinary);
-      quiet.emplace();
-    }
-    write(y);
-  };
   mint i = 0;
   for (; i + width <= n; i += width) {
-    one_register(load<V>(source + i), [&](V y) { store(result + i, y); });
+    const V x = load<V>(source + i);
+    const lane_set ordinary = ordinary_lanes<C>(x);
+    V y = C::value(x);
+    if (ordinary != every_lane<V>) [[unlikely]]
+      y = with_special_lanes<C>(x, y, ordinary, quiet);
+    store(result + i, y);
   }
-  // The tail goes through the same form.
   if (i < n) {
-    one_register(load_first<V>(source + i, n - i), [&](V y) { store_first(result + i, y, n - i); });
+    const V x = load_first<V>(source + i, n - i);
+    const lane_set ordinary = ordinary_lanes<C>(x);
+    V y = C::value(x);
+    if (ordinary != every_lane<V>) [[unlikely]]
+      y = with_special_lanes<C>(x, y, ordinary, quiet);
+    store_first(result + i, y, n - i);
   }
 }
 
