@@ -29,8 +29,9 @@ template <class V> inline V exp(V x) {
 }
 
 /// scale (high + low) = exp(x) - 1, scale a power of two, for -700 <= x <= 709.4. High and low overlap.
+/// Where x is known not to be negative, T - 2^-k takes a shorter sum.
 template <class V> struct scaled_expm1 { V high, low, scale; };
-template <class V> inline scaled_expm1<V> expm1_parts(V x) {
+template <bool not_negative, class V> inline scaled_expm1<V> expm1_parts(V x) {
   const auto n = nearest_integer(x, sixteenths_per_e);
   const V r = fused(n.number, lanes<V>(-sixteenth_high), x);  // exact: a multiple of 2^-58 below 2^-5
   const V c = n.number * sixteenth_low;
@@ -42,7 +43,7 @@ template <class V> inline scaled_expm1<V> expm1_parts(V x) {
   const bits_of<V> k = ((n.bits + 8) >> 4) << 52;
   const V inverse_scale = from_bits<V>(bits_of_one - k);
   const V power = look_up(centred_power_high, n.bits);
-  const auto less = exact_sum(power, -inverse_scale);
+  const auto less = not_negative ? ordered_sum(power, -inverse_scale) : exact_sum(power, -inverse_scale);
   const auto sum = ordered_sum(less.high, r);
   const V low = tail + (look_up(centred_power_low, n.bits) + (less.low + sum.low));
   return {sum.high, fused(look_up(centred_power_less_one, n.bits), r + tail, low),
@@ -52,7 +53,7 @@ template <class V> inline scaled_expm1<V> expm1_parts(V x) {
 /// e^x - 1, also for small x. At most 0.56 ulp measured.
 inline constexpr ordinary_range expm1_range{-700, 709, false};
 template <class V> inline V expm1(V x) {
-  const auto e = expm1_parts(x);
+  const auto e = expm1_parts<false>(x);
   const V y = (e.high + e.low) * e.scale;
   return from_bits<V>(to_bits(y) | (to_bits(x) & sign_bit));
 }

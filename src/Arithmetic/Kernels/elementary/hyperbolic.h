@@ -8,7 +8,7 @@ namespace vlm::elementary {
 
 /// exp(x) - 1 to more than double precision, not scaled, x >= 0.
 template <class V> inline pair<V> expm1_pair(V x) {
-  const auto e = expm1_parts(x);
+  const auto e = expm1_parts<true>(x);
   const auto sum = ordered_sum(e.high, e.low);
   return {sum.high * e.scale, sum.low * e.scale};
 }
