@@ -41,7 +41,7 @@ template <class T> std::vector<T> arguments_of(const real_functions::entry& e, i
   const double most = single && e.most32 != 0 ? e.most32 : static_cast<double>(limits::max());
   const double least = single ? e.least32 : 0;
   const auto wanted = [&](double x) {
-    return std::abs(x) <= most &&
+    return std::abs(x) <= most && std::abs(x) >= least &&
            std::any_of(e.where.begin(), e.where.end(), [x](auto w) { return x >= w.low && x <= w.high; });
   };
   const auto add = [&](double x) {

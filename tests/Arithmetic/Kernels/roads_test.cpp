@@ -1,182 +1,30 @@
-// The same bits through every road: exported scalar entry, scalar kernel, and the vector kernel in every mode, shape,
-// length, place and number of threads, for every function and element type.
+// The same bits through every road: the scalar kernel, and the vector kernel in every mode, shape, length, place and
+// number of threads, for every function and element type.
 //
 // Faults it is meant to catch: a type missing from a function; a vector tail computed by another form than the body;
 // a result that depends on the neighbours of its element, on the lane, on alignment or on the chunk; strides of source
 // and result mixed up; in-place runs that read what they have written; a vector kernel that raises a flag its scalar
-// kernel does not, or swallows one (a register form's stray flags, special lanes in the middle of ordinary ones); an
-// exported entry bound to another function.
+// kernel does not, or swallows one (a register form's stray flags, special lanes in the middle of ordinary ones).
 #include <gtest/gtest.h>
 
-#include <bit>
 #include <cfenv>
-#include <cmath>
 #include <cstring>
-#include <map>
-#include <random>
-#include <set>
 #include <vector>
 
-#include "Arithmetic/Kernels/ordinary_ranges.h"
+#include "Arithmetic/Kernels/sample_values.h"
 #include "Arithmetic/unary_table.h"
-#include "Includes/lanes.h"
-#include "Includes/real16.h"
 #include "velorim/machine_functions.h"
 #include "velorim/parallel.h"
-#include "velorim/scalar_functions.h"
 
 namespace {
 
 using namespace vlm;
+using sample_values::mixed_values;
+using sample_values::special_values;
 using bytes = std::vector<unsigned char>;
 
 constexpr int counted_flags = FE_INVALID | FE_DIVBYZERO | FE_OVERFLOW;
 constexpr uint32_t all_checks = MACHFUNC_CHECK_FP | MACHFUNC_CHECK_INTEGER;
-
-template <class T> T real_number(double x) {
-  if constexpr (std::is_same_v<T, real16>) {
-    return real16_format::round(x).value;
-  } else {
-    return static_cast<T>(x);
-  }
-}
-
-/// Arguments where functions change form or have no value.
-template <class T> std::vector<T> special_values() {
-  std::vector<T> xs;
-  if constexpr (is_integer_element<T>) {
-    for (const int small : {0, 1, 2, 3, 5, 10, 11, 12, 13, 90, 92, 93, 94, 100, 127}) {
-      xs.push_back(static_cast<T>(small));
-      xs.push_back(static_cast<T>(-small));
-    }
-    xs.push_back(std::numeric_limits<T>::min());
-    xs.push_back(std::numeric_limits<T>::max());
-    xs.push_back(static_cast<T>(std::numeric_limits<T>::min() + 1));
-  } else {
-    constexpr double least = std::is_same_v<T, double>  ? 0x1p-1022
-                             : std::is_same_v<T, float> ? 0x1p-126
-                                                        : 0x1p-14;
-    constexpr double denormal = std::is_same_v<T, double>  ? 0x1p-1074
-                                : std::is_same_v<T, float> ? 0x1p-149
-                                                           : 0x1p-24;
-    constexpr double most = std::is_same_v<T, double>  ? 0x1.fffffffffffffp1023
-                            : std::is_same_v<T, float> ? 0x1.fffffep127
-                                                       : 65504.0;
-    const double half_pi = 1.5707963267948966;
-    for (const double x : {0.0,
-                           0.25,
-                           0.5,
-                           0.75,
-                           1.0,
-                           1.5,
-                           2.0,
-                           2.5,
-                           3.0,
-                           10.0,
-                           36.0,
-                           100.0,
-                           170.0,
-                           171.7,
-                           710.0,
-                           711.0,
-                           745.2,
-                           800.0,
-                           88.5,
-                           89.5,
-                           89.8,
-                           104.0,
-                           1e5,
-                           1.1e5,
-                           1e9,
-                           1.1e9,
-                           1e18,
-                           1e19,
-                           9.2e18,
-                           0x1p53,
-                           0x1p63,
-                           1e35,
-                           1e150,
-                           1e300,
-                           half_pi,
-                           2 * half_pi,
-                           3 * half_pi,
-                           1e-5,
-                           0x1p-12,
-                           0x1p-20,
-                           1e-30,
-                           1e-160,
-                           least,
-                           2 * least,
-                           denormal,
-                           3 * denormal,
-                           0.7 * least,
-                           most,
-                           most / 8,
-                           static_cast<double>(INFINITY),
-                           static_cast<double>(NAN)}) {
-      xs.push_back(real_number<T>(x));
-      xs.push_back(real_number<T>(-x));
-    }
-  }
-  return xs;
-}
-
-/// Numbers around the limits where functions change form, as they are met by a function, by one that halves or
-/// doubles its argument, and by one that takes its reciprocal.
-template <class T> std::vector<T> limits_of_forms() {
-  std::vector<T> xs;
-  std::mt19937_64 random(271828);
-  std::set<double> limits;
-  for (const auto& [number, range] : ordinary_ranges<T>())
-    limits.insert({std::abs(range.low), std::abs(range.high)});
-  for (const double limit : limits) {
-    for (const double met : {limit, limit / 2, limit * 2, 1 / limit}) {
-      T x = static_cast<T>(met);
-      if (x == 0 || !std::isfinite(x)) continue;
-      for (int i = 0; i < 6; ++i) {
-        const double near = static_cast<double>(x) * (0.25 + static_cast<double>(random() % 4096) / 1024);
-        if (std::isfinite(static_cast<T>(near))) xs.push_back(static_cast<T>(near));
-      }
-      for (int i = 0; i < 3; ++i) x = std::nextafter(x, T(0));
-      for (int i = 0; i < 7 && std::isfinite(x); ++i, x = std::nextafter(x, INFINITY)) {
-        xs.push_back(x);
-        xs.push_back(-x);
-      }
-    }
-  }
-  return xs;
-}
-
-/// Specials, and numbers drawn over all bit patterns, over sizes near 1, and over the unit interval. No signalling
-/// NaNs: moving one through a register may quiet it.
-template <class T> std::vector<T> mixed_values(size_t n) {
-  std::vector<T> xs = special_values<T>();
-  std::mt19937_64 random(20240229);
-  if constexpr (std::is_floating_point_v<T>) {
-    const std::vector<T> limits = limits_of_forms<T>();
-    xs.insert(xs.end(), limits.begin(), limits.end());
-    n += limits.size();
-  }
-  while (xs.size() < n) {
-    T x;
-    const uint64_t draw = random();
-    if constexpr (is_integer_element<T>) {
-      x = static_cast<T>(draw >> (random() % (8 * sizeof(T))) >> (64 - 8 * sizeof(T)));
-    } else {
-      std::memcpy(&x, &draw, sizeof x);
-      const double unit = static_cast<double>(random() >> 11) * 0x1p-52 - 1;
-      if (draw % 4 == 0) x = real_number<T>(unit);
-      if (draw % 4 == 1) x = real_number<T>(unit * std::exp2(static_cast<double>(random() % 12)));
-      if constexpr (std::is_same_v<T, real16>) {
-        if (is_signalling(x)) continue;
-      } else if (std::isnan(x)) {
-        continue;
-      }
-    }
-    xs.push_back(x);
-  }
-  return xs;
-}
 
 /// What the scalar kernel says of one argument: the value unchecked, and whether it fails without and with checks.
 struct verdict {
@@ -395,160 +243,5 @@ TEST_P(Roads, SameBitsAndFlags) {
 }
 INSTANTIATE_TEST_SUITE_P(Functions, Roads, testing::ValuesIn(unary_table::rows),
                          [](const auto& row) { return std::string(row.param.name); });
-
-// ---- The exported scalar entries, by the number that they are to have.
-
-template <class X> using entry = int32_t (*)(void*, X, uint32_t);
-template <auto F, class R, class X> int32_t through_void(void* result, X x, uint32_t flags) {
-  return F(static_cast<R*>(result), x, flags);
-}
-
-#define VELORIM_ENTRY(NAME) \
-  { MachFunc_##NAME, through_void<s_machfunc_i_##NAME, mint, mint> }
-const std::map<int32_t, entry<mint>> integer_entries = {
-    VELORIM_ENTRY(log2),     VELORIM_ENTRY(log10),     VELORIM_ENTRY(abs),      VELORIM_ENTRY(arg),
-    VELORIM_ENTRY(conj),     VELORIM_ENTRY(im),        VELORIM_ENTRY(re),       VELORIM_ENTRY(minus),
-    VELORIM_ENTRY(sign),     VELORIM_ENTRY(pos),       VELORIM_ENTRY(neg),      VELORIM_ENTRY(npos),
-    VELORIM_ENTRY(nneg),     VELORIM_ENTRY(round),     VELORIM_ENTRY(floor),    VELORIM_ENTRY(ceiling),
-    VELORIM_ENTRY(fracpart), VELORIM_ENTRY(intpart),   VELORIM_ENTRY(evenq),    VELORIM_ENTRY(oddq),
-    VELORIM_ENTRY(square),   VELORIM_ENTRY(bitcount),  VELORIM_ENTRY(bitnot),   VELORIM_ENTRY(bitlength),
-    VELORIM_ENTRY(intexp10), VELORIM_ENTRY(intlen10),  VELORIM_ENTRY(unitstep), VELORIM_ENTRY(fibonacci),
-    VELORIM_ENTRY(lucasl),   VELORIM_ENTRY(gamma),     VELORIM_ENTRY(unitize),  VELORIM_ENTRY(mod1),
-    VELORIM_ENTRY(ramp),     VELORIM_ENTRY(abssquare), VELORIM_ENTRY(realabs),  VELORIM_ENTRY(realsign),
-    VELORIM_ENTRY(box),      VELORIM_ENTRY(triangle),
-};
-#undef VELORIM_ENTRY
-#define VELORIM_ENTRY(NAME) \
-  { MachFunc_##NAME, through_void<s_machfunc_d_##NAME, mreal, mreal> }
-#define VELORIM_MINT_ENTRY(NAME) \
-  { MachFunc_##NAME, through_void<s_machfunc_d_##NAME, mint, mreal> }
-const std::map<int32_t, entry<mreal>> real_entries = {
-    VELORIM_ENTRY(sin),
-    VELORIM_ENTRY(cos),
-    VELORIM_ENTRY(tan),
-    VELORIM_ENTRY(csc),
-    VELORIM_ENTRY(sec),
-    VELORIM_ENTRY(cot),
-    VELORIM_ENTRY(sinh),
-    VELORIM_ENTRY(cosh),
-    VELORIM_ENTRY(tanh),
-    VELORIM_ENTRY(csch),
-    VELORIM_ENTRY(sech),
-    VELORIM_ENTRY(coth),
-    VELORIM_ENTRY(asin),
-    VELORIM_ENTRY(acos),
-    VELORIM_ENTRY(atan),
-    VELORIM_ENTRY(acsc),
-    VELORIM_ENTRY(asec),
-    VELORIM_ENTRY(acot),
-    VELORIM_ENTRY(asinh),
-    VELORIM_ENTRY(acosh),
-    VELORIM_ENTRY(atanh),
-    VELORIM_ENTRY(acsch),
-    VELORIM_ENTRY(asech),
-    VELORIM_ENTRY(acoth),
-    VELORIM_ENTRY(exp),
-    VELORIM_ENTRY(expm1),
-    VELORIM_ENTRY(log),
-    VELORIM_ENTRY(log1p),
-    VELORIM_ENTRY(log2),
-    VELORIM_ENTRY(log10),
-    VELORIM_ENTRY(abs),
-    VELORIM_MINT_ENTRY(arg),
-    VELORIM_ENTRY(conj),
-    VELORIM_MINT_ENTRY(im),
-    VELORIM_ENTRY(re),
-    VELORIM_ENTRY(minus),
-    VELORIM_MINT_ENTRY(sign),
-    VELORIM_MINT_ENTRY(pos),
-    VELORIM_MINT_ENTRY(neg),
-    VELORIM_MINT_ENTRY(npos),
-    VELORIM_MINT_ENTRY(nneg),
-    VELORIM_MINT_ENTRY(round),
-    VELORIM_MINT_ENTRY(floor),
-    VELORIM_MINT_ENTRY(ceiling),
-    VELORIM_ENTRY(fracpart),
-    VELORIM_MINT_ENTRY(intpart),
-    VELORIM_ENTRY(square),
-    VELORIM_ENTRY(sqrt),
-    VELORIM_ENTRY(cbrt),
-    VELORIM_ENTRY(rsqrt),
-    VELORIM_ENTRY(recip),
-    VELORIM_MINT_ENTRY(unitstep),
-    VELORIM_ENTRY(sinc),
-    VELORIM_ENTRY(fibonacci),
-    VELORIM_ENTRY(lucasl),
-    VELORIM_ENTRY(gudermannian),
-    VELORIM_ENTRY(inversegudermannian),
-    VELORIM_ENTRY(haversine),
-    VELORIM_ENTRY(inversehaversine),
-    VELORIM_ENTRY(erfc),
-    VELORIM_ENTRY(erf),
-    VELORIM_ENTRY(gamma),
-    VELORIM_ENTRY(loggamma),
-    VELORIM_MINT_ENTRY(unitize),
-    VELORIM_ENTRY(mod1),
-    VELORIM_ENTRY(logistic),
-    VELORIM_ENTRY(ramp),
-    VELORIM_ENTRY(abssquare),
-    VELORIM_ENTRY(realabs),
-    VELORIM_MINT_ENTRY(realsign),
-    VELORIM_MINT_ENTRY(box),
-    VELORIM_ENTRY(triangle),
-};
-#undef VELORIM_ENTRY
-#undef VELORIM_MINT_ENTRY
-
-template <class T> void compare_entries(const std::map<int32_t, entry<T>>& entries) {
-  for (const auto& row : unary_table::rows) {
-    if (unary_table::result_letter<T>(row) == '-') continue;
-    SCOPED_TRACE(row.name);
-    const auto found = entries.find(row.number);
-    ASSERT_NE(entries.end(), found);
-    const auto kernel = MNumericArray_getUnaryScalarMachFunc(row.number, element_code<T>);
-    for (const T x : mixed_values<T>(400)) {
-      for (const uint32_t flags : {0u, uint32_t{MACHFUNC_CHECK_FP}, uint32_t{MACHFUNC_CHECK_INTEGER}, ~0u}) {
-        int64_t expected = 0x5A5A5A5A5A5A5A5A, got = expected;
-        std::feclearexcept(FE_ALL_EXCEPT);
-        const int32_t status = kernel(&expected, &x, flags);
-        const int raised = std::fetestexcept(counted_flags);
-        std::feclearexcept(FE_ALL_EXCEPT);
-        ASSERT_EQ(status, found->second(&got, x, flags)) << x << " flags " << flags;
-        if (is_real_element<T>) {
-          ASSERT_EQ(raised, std::fetestexcept(counted_flags)) << x;
-        }
-        // The entry of the integer square stores its wrapped product before it fails.
-        if (is_integer_element<T> && row.number == MachFunc_square && status != 0) {
-          expected = static_cast<int64_t>(static_cast<uint64_t>(x) * static_cast<uint64_t>(x));
-        }
-        ASSERT_EQ(expected, got) << x << " flags " << flags;
-      }
-    }
-  }
-}
-TEST(ScalarEntries, AgreeWithTheScalarKernels) {
-  compare_entries<mint>(integer_entries);
-  compare_entries<mreal>(real_entries);
-}
-
-TEST(ScalarEntries, SineAndCosineTogether) {
-  for (const mreal x : mixed_values<mreal>(400)) {
-    mreal s = 0, c = 0, sine = 0, cosine = 0;
-    EXPECT_EQ(0, SinCos(&s, &c, x));
-    s_machfunc_d_sin(&sine, x, 0);
-    s_machfunc_d_cos(&cosine, x, 0);
-    EXPECT_EQ(std::bit_cast<uint64_t>(sine), std::bit_cast<uint64_t>(s));
-    EXPECT_EQ(std::bit_cast<uint64_t>(cosine), std::bit_cast<uint64_t>(c));
-    for (const uint32_t flags : {0u, uint32_t{MACHFUNC_CHECK_FP}}) {
-      mreal sinh_ = -7, cosh_ = -7, separate_sinh = -7, separate_cosh = -7;
-      const int32_t fails_s = s_machfunc_d_sinh(&separate_sinh, x, flags);
-      const int32_t fails_c = s_machfunc_d_cosh(&separate_cosh, x, flags);
-      EXPECT_EQ(fails_s | fails_c, SinhCosh(&sinh_, &cosh_, flags, x)) << x;
-      const bool stored = (fails_s | fails_c) == 0;
-      EXPECT_EQ(std::bit_cast<uint64_t>(stored ? separate_sinh : -7), std::bit_cast<uint64_t>(sinh_)) << x;
-      EXPECT_EQ(std::bit_cast<uint64_t>(stored ? separate_cosh : -7), std::bit_cast<uint64_t>(cosh_)) << x;
-    }
-  }
-}
 
 }  // namespace
