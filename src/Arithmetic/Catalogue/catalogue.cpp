@@ -40,9 +40,23 @@ template <class... Lists> constexpr number_table make_table() {
   return table;
 }
 
+using number_counts = std::array<int32_t, unary_number_count + 1>;
+
+template <template <class...> class List, class... F>
+constexpr void count(number_counts& counts, List<F...>*) {
+  (++counts[F::number], ...);
+}
+
+/// How many functions have each number.
+template <class... Lists> constexpr number_counts count_numbers() {
+  number_counts counts{};
+  (count(counts, static_cast<Lists*>(nullptr)), ...);
+  return counts;
+}
+
 template <class... Lists> struct unary_catalogue {
   static constexpr number_table table = make_table<Lists...>();
-  static constexpr int32_t functions = (Lists::count + ...);
+  static constexpr number_counts counts = count_numbers<Lists...>();
 };
 
 using unary =
@@ -50,14 +64,14 @@ using unary =
                     rounding_functions, power_functions, bit_functions, special_functions, step_functions>;
 
 /// Seven numbers are holes; every other one names exactly one function.
-constexpr bool complete(const number_table& table) {
+constexpr bool complete(const number_counts& counts) {
   for (int32_t n = 1; n <= unary_number_count; ++n) {
     const bool hole = n % 4 == 0 && n <= 28;
-    if ((table[static_cast<size_t>(n)] == nullptr) != hole) return false;
+    if (counts[static_cast<size_t>(n)] != (hole ? 0 : 1)) return false;
   }
   return true;
 }
-static_assert(complete(unary::table) && unary::functions == unary_number_count - 7);
+static_assert(complete(unary::counts));
 
 constexpr MachFuncRow empty_row{};
 
