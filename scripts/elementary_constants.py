@@ -65,6 +65,9 @@ table("centred_power_less_one", [float(t - 1) for t in signed_powers], "... and 
 p = series(lambda i: mp.mpf(-1) ** i / (i + 3), 80)
 table("log_polynomial", interpolate(p, mp.mpf("-0.0327"), mp.mpf("0.0327"), 8),
       "log(1 + r) = r - r^2/2 + r^3 p(r), |r| <= 0.0327.")
+p = series(lambda i: mp.mpf(-1) ** (i + 1) / (i + 2), 80)
+table("real32_log_polynomial", interpolate(p, mp.mpf("-0.0327"), mp.mpf("0.0327"), 5),
+      "log(1 + r) = r + r^2 p(r), |r| <= 0.0327, to 35 bits.")
 reciprocals = [305 / 256, 294 / 256, 284 / 256, 274 / 256, 33 / 32, 1.0, 61 / 64, 115 / 128, 109 / 128, 103 / 128,
                49 / 64, 47 / 64, 45 / 64, 43 / 64, 165 / 256, 79 / 128]
 table("log_reciprocal", reciprocals,
@@ -79,6 +82,10 @@ p = series(lambda i: mp.mpf(-1) ** i / mp.factorial(2 * i + 3))
 table("sin_polynomial", interpolate(p, mp.mpf(0), z, 7), "sin(r) = r - r^3 p(r^2), |r| <= pi/4.")
 p = series(lambda i: mp.mpf(-1) ** i / mp.factorial(2 * i + 4))
 table("cos_polynomial", interpolate(p, mp.mpf(0), z, 6), "cos(r) = 1 - r^2/2 + r^4 p(r^2), |r| <= pi/4.")
+p = series(lambda i: mp.mpf(-1) ** (i + 1) / mp.factorial(2 * i + 3))
+table("real32_sin_polynomial", interpolate(p, mp.mpf(0), z, 4), "sin(r) = r + r^3 p(r^2), |r| <= pi/4, to 34 bits.")
+p = series(lambda i: mp.mpf(-1) ** i / mp.factorial(2 * i + 4))
+table("real32_cos_polynomial", interpolate(p, mp.mpf(0), z, 4), "cos(r) = 1 - r^2/2 + r^4 p(r^2), |r| <= pi/4, to 38 bits.")
 p = lambda x: (2 * mp.tan(mp.sqrt(x) / 2) - mp.sqrt(x)) / (x * mp.sqrt(x))
 table("half_tan_polynomial", interpolate(p, mp.mpf(0), z, 9),
       "2 tan(r/2) = r + r^3 p(r^2), |r| <= pi/4.")

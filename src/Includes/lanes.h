@@ -252,6 +252,40 @@ inline real64_lanes look_up(const std::array<double, 16>& table, uint64_lanes k)
 #endif
 }
 
+/// A register of Real32 as two of Real64, its first and its second half, and back, each lane rounded to nearest even.
+struct real64_halves {
+  real64_lanes low, high;
+};
+inline real64_halves widened(real32_lanes x) {
+#if defined(VELORIM_LANES_AVX512)
+  return {(real64_lanes)_mm512_maskz_cvtps_pd(0xff, _mm512_castps512_ps256((__m512)x)),
+          (real64_lanes)_mm512_maskz_cvtps_pd(0xff, _mm512_maskz_extractf32x8_ps(0xff, (__m512)x, 1))};
+#else
+  real64_halves halves;
+  constexpr int half = lanes_of<real64_lanes>::count;
+  for (int i = 0; i < half; ++i) {
+    halves.low[i] = x[i];
+    halves.high[i] = x[half + i];
+  }
+  return halves;
+#endif
+}
+inline real32_lanes narrowed(real64_lanes low, real64_lanes high) {
+#if defined(VELORIM_LANES_AVX512)
+  return (real32_lanes)_mm512_maskz_insertf32x8(
+      0xffff, _mm512_castps256_ps512(_mm512_maskz_cvtpd_ps(0xff, (__m512d)low)),
+      _mm512_maskz_cvtpd_ps(0xff, (__m512d)high), 1);
+#else
+  real32_lanes r;
+  constexpr int half = lanes_of<real64_lanes>::count;
+  for (int i = 0; i < half; ++i) {
+    r[i] = static_cast<float>(low[i]);
+    r[half + i] = static_cast<float>(high[i]);
+  }
+  return r;
+#endif
+}
+
 /// Some of the lanes of a register: bit i for lane i.
 using lane_set = uint32_t;
 template <class V> inline constexpr lane_set every_lane = (lane_set{1} << lanes_of<V>::count) - 1;

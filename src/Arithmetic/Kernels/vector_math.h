@@ -25,6 +25,7 @@
 #include "Arithmetic/Kernels/elementary/exp.h"
 #include "Arithmetic/Kernels/elementary/hyperbolic.h"
 #include "Arithmetic/Kernels/elementary/log.h"
+#include "Arithmetic/Kernels/elementary/real32.h"
 #include "Arithmetic/Kernels/elementary/trigonometric.h"
 #include "Includes/fp_environment.h"
 
@@ -143,12 +144,15 @@ struct expm1 {
 struct log {
   using library = sleef<VELORIM_SLEEF_NAMES(log, u10)>;
   template <class T> static constexpr ordinary_range range() {
-    return by_type<T>(has_fused_multiply_add ? elementary::log_range : ordinary_range{least64, most64, false},
-                      {least32, most32, false});
+    return by_type<T>(
+        has_fused_multiply_add ? elementary::log_range : ordinary_range{least64, most64, false},
+        has_fused_multiply_add ? elementary::real32_log_range : ordinary_range{least32, most32, false});
   }
   template <class V> static V body(V x) {
     if constexpr (in_own_form<V>) {
       return elementary::log(x);
+    } else if constexpr (has_fused_multiply_add) {
+      return elementary::real32_log(x);
     } else {
       return library::body(x);
     }
@@ -195,11 +199,13 @@ struct sin {
   using library = sleef<VELORIM_SLEEF_NAMES(sin, u10)>;
   template <class T> static constexpr ordinary_range range() {
     return by_type<T>(has_fused_multiply_add ? elementary::sin_range : ordinary_range{0, 1e9, true},
-                      {0, 1e5, true});
+                      has_fused_multiply_add ? elementary::real32_sin_range : ordinary_range{0, 1e5, true});
   }
   template <class V> static V body(V x) {
     if constexpr (in_own_form<V>) {
       return elementary::sin(x);
+    } else if constexpr (has_fused_multiply_add) {
+      return elementary::real32_sin(x);
     } else {
       return library::body(x);
     }
@@ -210,11 +216,13 @@ struct cos {
   using library = sleef<VELORIM_SLEEF_NAMES(cos, u10)>;
   template <class T> static constexpr ordinary_range range() {
     return by_type<T>(has_fused_multiply_add ? elementary::cos_range : ordinary_range{0, 1e9, true},
-                      {0, 1e5, true});
+                      has_fused_multiply_add ? elementary::real32_cos_range : ordinary_range{0, 1e5, true});
   }
   template <class V> static V body(V x) {
     if constexpr (in_own_form<V>) {
       return elementary::cos(x);
+    } else if constexpr (has_fused_multiply_add) {
+      return elementary::real32_cos(x);
     } else {
       return library::body(x);
     }

@@ -50,6 +50,11 @@ alignas(64) inline constexpr std::array<double, 8> log_polynomial = {
     {0x1.5555555555545p-2, -0x1.fffffffffffe1p-3, 0x1.9999999a8e72dp-3, -0x1.5555555635c87p-3,
      0x1.249237acf141ep-3, -0x1.ffffdff9d7098p-4, 0x1.c7e88f053a693p-4, -0x1.9a54b52e1fc99p-4}};
 
+/// log(1 + r) = r + r^2 p(r), |r| <= 0.0327, to 35 bits.
+alignas(64) inline constexpr std::array<double, 5> real32_log_polynomial = {
+    {-0x1.0000000000000p-1, 0x1.555551e77ebedp-2, -0x1.fffff9ffbcc90p-3, 0x1.99fdcb167a40ep-3,
+     -0x1.55ad012b32d3ap-3}};
+
 /// Short numbers c near 1/m on the 16 intervals of the significand m; the one around 1 has c = 1, its
 /// neighbours so few places that m c - 1 is exact.
 alignas(64) inline constexpr std::array<double, 16> log_reciprocal = {
@@ -81,6 +86,14 @@ alignas(64) inline constexpr std::array<double, 7> sin_polynomial = {
 alignas(64) inline constexpr std::array<double, 6> cos_polynomial = {
     {0x1.5555555555555p-5, -0x1.6c16c16c16967p-10, 0x1.a01a019f4eb01p-16, -0x1.27e4fa17da09ep-22,
      0x1.1eeb68e93b64cp-29, -0x1.907da367a37cbp-37}};
+
+/// sin(r) = r + r^3 p(r^2), |r| <= pi/4, to 34 bits.
+alignas(64) inline constexpr std::array<double, 4> real32_sin_polynomial = {
+    {-0x1.555555545e0acp-3, 0x1.11110def2e1c9p-7, -0x1.a013a793b98cep-13, 0x1.6dbe0838a06e9p-19}};
+
+/// cos(r) = 1 - r^2/2 + r^4 p(r^2), |r| <= pi/4, to 38 bits.
+alignas(64) inline constexpr std::array<double, 4> real32_cos_polynomial = {
+    {0x1.5555555502cf4p-5, -0x1.6c16bf54e7232p-10, 0x1.a015c47d920acp-16, -0x1.25244e23e6e3ap-22}};
 
 /// 2 tan(r/2) = r + r^3 p(r^2), |r| <= pi/4.
 alignas(64) inline constexpr std::array<double, 9> half_tan_polynomial = {
