@@ -258,7 +258,7 @@ struct real64_halves {
 };
 inline real64_halves widened(real32_lanes x) {
 #if defined(VELORIM_LANES_AVX512)
-  return {(real64_lanes)_mm512_maskz_cvtps_pd(0xff, _mm512_castps512_ps256((__m512)x)),
+  return {(real64_lanes)_mm512_maskz_cvtps_pd(0xff, _mm512_maskz_extractf32x8_ps(0xff, (__m512)x, 0)),
           (real64_lanes)_mm512_maskz_cvtps_pd(0xff, _mm512_maskz_extractf32x8_ps(0xff, (__m512)x, 1))};
 #else
   real64_halves halves;
