@@ -170,7 +170,8 @@ struct log1p {
     if constexpr (in_own_form<V>) {
       return elementary::log1p(x);
     } else {
-      return library::body(x);
+      // The library's form flushes subnormals to zero.
+      return select(magnitude(x) < broadcast<V>(0x1p-60f), x, library::body(x));
     }
   }
   template <class T> static T outside(T x) {
