@@ -83,9 +83,8 @@ table("sin_polynomial", interpolate(p, mp.mpf(0), z, 7), "sin(r) = r - r^3 p(r^2
 p = series(lambda i: mp.mpf(-1) ** i / mp.factorial(2 * i + 4))
 table("cos_polynomial", interpolate(p, mp.mpf(0), z, 6), "cos(r) = 1 - r^2/2 + r^4 p(r^2), |r| <= pi/4.")
 p = series(lambda i: mp.mpf(-1) ** (i + 1) / mp.factorial(2 * i + 3))
-table("real32_sin_polynomial", interpolate(p, mp.mpf(0), z, 4), "sin(r) = r + r^3 p(r^2), |r| <= pi/4, to 34 bits.")
-p = series(lambda i: mp.mpf(-1) ** i / mp.factorial(2 * i + 4))
-table("real32_cos_polynomial", interpolate(p, mp.mpf(0), z, 4), "cos(r) = 1 - r^2/2 + r^4 p(r^2), |r| <= pi/4, to 38 bits.")
+table("real32_sin_polynomial", interpolate(p, mp.mpf(0), (mp.pi / 2) ** 2, 5),
+      "sin(r) = r + r^3 p(r^2), |r| <= pi/2, to 32 bits.")
 p = lambda x: (2 * mp.tan(mp.sqrt(x) / 2) - mp.sqrt(x)) / (x * mp.sqrt(x))
 table("half_tan_polynomial", interpolate(p, mp.mpf(0), z, 9),
       "2 tan(r/2) = r + r^3 p(r^2), |r| <= pi/4.")

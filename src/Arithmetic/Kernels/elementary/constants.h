@@ -87,13 +87,10 @@ alignas(64) inline constexpr std::array<double, 6> cos_polynomial = {
     {0x1.5555555555555p-5, -0x1.6c16c16c16967p-10, 0x1.a01a019f4eb01p-16, -0x1.27e4fa17da09ep-22,
      0x1.1eeb68e93b64cp-29, -0x1.907da367a37cbp-37}};
 
-/// sin(r) = r + r^3 p(r^2), |r| <= pi/4, to 34 bits.
-alignas(64) inline constexpr std::array<double, 4> real32_sin_polynomial = {
-    {-0x1.555555545e0acp-3, 0x1.11110def2e1c9p-7, -0x1.a013a793b98cep-13, 0x1.6dbe0838a06e9p-19}};
-
-/// cos(r) = 1 - r^2/2 + r^4 p(r^2), |r| <= pi/4, to 38 bits.
-alignas(64) inline constexpr std::array<double, 4> real32_cos_polynomial = {
-    {0x1.5555555502cf4p-5, -0x1.6c16bf54e7232p-10, 0x1.a015c47d920acp-16, -0x1.25244e23e6e3ap-22}};
+/// sin(r) = r + r^3 p(r^2), |r| <= pi/2, to 32 bits.
+alignas(64) inline constexpr std::array<double, 5> real32_sin_polynomial = {
+    {-0x1.5555555460530p-3, 0x1.11110fdaaf87bp-7, -0x1.a01905ba4208ap-13, 0x1.7196917ff9c49p-19,
+     -0x1.9db1cc2a4cb87p-26}};
 
 /// 2 tan(r/2) = r + r^3 p(r^2), |r| <= pi/4.
 alignas(64) inline constexpr std::array<double, 9> half_tan_polynomial = {

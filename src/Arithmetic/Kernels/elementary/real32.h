@@ -34,28 +34,27 @@ template <class V> inline V real32_log(V x) {
       x);
 }
 
-/// sin(x + quarters pi/2), reduced with pi/2 in two parts.
-template <int quarters, class V> inline V real32_sine(V x) {
+/// sin(x) = (-1)^n sin(x - n pi), and with_half: cos(x) = -(-1)^n sin(x - (n + 1/2) pi); pi in two parts.
+template <bool with_half, class V> inline V real32_sine(V x) {
   return through_double(
       []<class W>(W w) {
-        const auto n = nearest_integer(w, 0x1.45f306dc9c883p-1);
-        const W first = fused(n.number, lanes<W>(-0x1.921fb54442d18p+0), w);
-        const W r = fused(n.number, lanes<W>(-0x1.1a62633145c07p-54), first);
+        constexpr double inverse_pi = 0x1.45f306dc9c883p-2;
+        const auto n = with_half ? nearest_integer(fused(w, lanes<W>(inverse_pi), lanes<W>(-0.5)), 1.0)
+                                 : nearest_integer(w, inverse_pi);
+        const W turns = with_half ? n.number + 0.5 : n.number;
+        const W first = fused(turns, lanes<W>(-0x1.921fb54442d18p+1), w);
+        const W r = fused(turns, lanes<W>(-0x1.1a62633145c07p-53), first);
         const W z = r * r;
-        const W one = lanes<W>(1.0);
-        const W sin = r * fused(z, polynomial<W>(z, real32_sin_polynomial), one);
-        const W cos = fused(z, fused(z, polynomial<W>(z, real32_cos_polynomial), lanes<W>(-0.5)), one);
-        const bits_of<W> turn = n.bits + static_cast<uint64_t>(quarters);
-        const W y = select((turn & uint64_t{1}) == uint64_t{0}, sin, cos);
-        return from_bits<W>(to_bits(y) ^ ((turn << 62) & sign_bit));
+        const W y = r * fused(z, polynomial<W>(z, real32_sin_polynomial), lanes<W>(1.0));
+        return from_bits<W>(to_bits(y) ^ ((n.bits + uint64_t{with_half}) << 63));
       },
       x);
 }
 
 inline constexpr ordinary_range real32_sin_range{0, 0x1p20, true};
-template <class V> inline V real32_sin(V x) { return real32_sine<0>(x); }
+template <class V> inline V real32_sin(V x) { return real32_sine<false>(x); }
 
 inline constexpr ordinary_range real32_cos_range{0, 0x1p20, true};
-template <class V> inline V real32_cos(V x) { return real32_sine<1>(x); }
+template <class V> inline V real32_cos(V x) { return real32_sine<true>(x); }
 
 }  // namespace vlm::elementary
