@@ -70,6 +70,6 @@ template <class T> constexpr bool is_finite_value(T y) {
 }
 
 /// A list of functions; each family header ends with its own.
-template <class... F> struct function_list { static constexpr int count = sizeof...(F); };
+template <class... F> struct function_list {};
 
 }  // namespace vlm::machine_function
