@@ -21,19 +21,19 @@ void call_interrupt_function() {
 }
 
 /// The accounts of the calling thread; there is no answer without them.
-HeapAccounts& accounts() {
-  HeapAccounts* const heap = current_heap();
+heap_accounts& accounts() {
+  heap_accounts* const heap = current_heap();
   if (heap == nullptr) nomem();
   return *heap;
 }
 
-struct PeakNode {
+struct peak_node {
   uint64_t saved_peak;
-  PeakNode* next;
+  peak_node* next;
 };
-static_assert(sizeof(PeakNode) == 16);
+static_assert(sizeof(peak_node) == 16);
 
-uint64_t reported(const HeapAccounts& heap, PendingBytes pending, int32_t what) {
+uint64_t reported(const heap_accounts& heap, pending_bytes pending, int32_t what) {
   switch (what) {
     case 0:
       return heap.in_use.get();
@@ -50,7 +50,7 @@ uint64_t reported(const HeapAccounts& heap, PendingBytes pending, int32_t what) 
 
 }  // namespace
 
-bool passes_limit(HeapAccounts& heap, uint64_t amount) {
+bool passes_limit(heap_accounts& heap, uint64_t amount) {
   const uint64_t limit = heap.limit.get();
   if (limit == 0) return false;
   const uint64_t in_use = heap.in_use.get();
@@ -90,18 +90,18 @@ void MC_set_interrupt_fun(void (*function)(void)) noexcept {
 }
 
 int64_t MaxMemoryListPush(void** head) noexcept {
-  PeakNode* const node = static_cast<PeakNode*>(zalloc(sizeof(PeakNode), 0, FailFatal));
-  HeapAccounts& heap = accounts();
-  *node = {heap.peak.get(), static_cast<PeakNode*>(*head)};
+  peak_node* const node = static_cast<peak_node*>(zalloc(sizeof(peak_node), 0, FailFatal));
+  heap_accounts& heap = accounts();
+  *node = {heap.peak.get(), static_cast<peak_node*>(*head)};
   *head = node;
   heap.peak.set(heap.in_use.get());
   return static_cast<int64_t>(heap.peak.get());
 }
 
 int64_t MaxMemoryListPop(void** head) noexcept {
-  HeapAccounts& heap = accounts();
+  heap_accounts& heap = accounts();
   const uint64_t reached = heap.peak.get();
-  PeakNode* const node = static_cast<PeakNode*>(*head);
+  peak_node* const node = static_cast<peak_node*>(*head);
   VELORIM_ASSERT(node != nullptr, "*head != NULL", "MaxMemoryListPop");
   if (node != nullptr) {
     heap.peak.raise_to(node->saved_peak);
@@ -113,12 +113,12 @@ int64_t MaxMemoryListPop(void** head) noexcept {
 
 mint MaxMemoryListLength(void* list) noexcept {
   mint length = 0;
-  for (const PeakNode* node = static_cast<PeakNode*>(list); node != nullptr; node = node->next) ++length;
+  for (const peak_node* node = static_cast<peak_node*>(list); node != nullptr; node = node->next) ++length;
   return length;
 }
 
 void RecordCUDDMemory(uint64_t total) noexcept {
-  HeapAccounts& heap = accounts();
+  heap_accounts& heap = accounts();
   const uint64_t last = outside_total.exchange(total, std::memory_order_relaxed);
   heap.in_use.add(total - last);
   if (total <= last) return;
@@ -132,7 +132,7 @@ int64_t* FullMemoryInformation(mint* countOut, int32_t what) noexcept {
     int64_t* next;
     int32_t what;
   };
-  const HeapListLock heaps;
+  const heap_list_lock heaps;
   const uint64_t count = heaps.count();
   // One entry more than needed, so that an answer without heaps is no null.
   int64_t* const array = static_cast<int64_t*>(std::malloc((count + 1) * sizeof(int64_t)));
@@ -140,7 +140,7 @@ int64_t* FullMemoryInformation(mint* countOut, int32_t what) noexcept {
   if (array == nullptr) return nullptr;
   Output output{array, what};
   heaps.visit(
-      [](const HeapAccounts& heap, PendingBytes pending, void* context) {
+      [](const heap_accounts& heap, pending_bytes pending, void* context) {
         Output& out = *static_cast<Output*>(context);
         *out.next++ = static_cast<int64_t>(reported(heap, pending, out.what));
       },

@@ -14,7 +14,7 @@ namespace vlm::memory {
 namespace {
 
 /// The end of every request that cannot be met.
-[[gnu::cold, gnu::noinline]] void* allocation_failed(HeapAccounts* heap, uint64_t size, int32_t fail_mode) {
+[[gnu::cold, gnu::noinline]] void* allocation_failed(heap_accounts* heap, uint64_t size, int32_t fail_mode) {
   if (fail_mode == FailFatal) nomem();
   if (fail_mode == FailReport && heap != nullptr) passes_limit(*heap, size);
   return nullptr;
@@ -26,7 +26,7 @@ namespace {
 void* zalloc(uint64_t size, int32_t aligned, int32_t failMode) noexcept {
   using namespace vlm::memory;
   if (size == 0) return nullptr;
-  HeapAccounts* const heap = current_heap();
+  heap_accounts* const heap = current_heap();
   const uint64_t rounded = rounded_request(size, aligned != 0);
   if (heap == nullptr || rounded < size) [[unlikely]] {
     return allocation_failed(heap, size, failMode);

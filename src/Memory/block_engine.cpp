@@ -1,7 +1,7 @@
 // A block engine over the system allocator. Each block is a piece of its own from malloc with a hidden header
 // ahead of the caller's bytes:
 //
-//     [ 8 bytes, for a block whose address is an odd multiple of 8 ] [ BlockHeader ] [ usable bytes ... ]
+//     [ 8 bytes, for a block whose address is an odd multiple of 8 ] [ block_header ] [ usable bytes ... ]
 //
 // Blocks are laid at the weakest alignment that their class may have: above 1024 bytes an unaligned block
 // lies at an odd multiple of 8, as does any block whose size is one. What a caller did not ask for it does
@@ -25,10 +25,10 @@ namespace {
 
 struct ThreadHeap;
 
-struct BlockHeader {
+struct block_header {
   ThreadHeap* owner;
-  BlockHeader* previous;  ///< of the owner's live blocks
-  BlockHeader* next;
+  block_header* previous;  ///< of the owner's live blocks
+  block_header* next;
   uint64_t size_and_flags;  ///< consumed bytes, a multiple of 8, with the two flags below
 
   static constexpr uint64_t aligned_flag = 1;  ///< the block was asked for at a multiple of 16
@@ -44,26 +44,26 @@ struct BlockHeader {
   }
 
   static constexpr uint64_t padding = 8;
-  static BlockHeader* of(void* block) { return static_cast<BlockHeader*>(block) - 1; }
-  static const BlockHeader* of(const void* block) { return static_cast<const BlockHeader*>(block) - 1; }
+  static block_header* of(void* block) { return static_cast<block_header*>(block) - 1; }
+  static const block_header* of(const void* block) { return static_cast<const block_header*>(block) - 1; }
 };
-static_assert(sizeof(BlockHeader) % 16 == 0 && __STDCPP_DEFAULT_NEW_ALIGNMENT__ >= 16);
+static_assert(sizeof(block_header) % 16 == 0 && __STDCPP_DEFAULT_NEW_ALIGNMENT__ >= 16);
 
 /// Blocks of one class that other threads freed, linked through their first caller's word.
-struct FreedList {
-  std::atomic<BlockHeader*> first{nullptr};
+struct freed_blocks {
+  std::atomic<block_header*> first{nullptr};
   uint64_t bytes = 0;
 
-  static BlockHeader*& link(BlockHeader* header) { return *static_cast<BlockHeader**>(header->block()); }
+  static block_header*& link(block_header* header) { return *static_cast<block_header**>(header->block()); }
 };
 
-struct ThreadHeap : HeapAccounts {
+struct ThreadHeap : heap_accounts {
   ThreadHeap* newer = nullptr;  ///< list of the root
   ThreadHeap* older = nullptr;
-  BlockHeader* live = nullptr;
+  block_header* live = nullptr;
   std::mutex lock;
   bool orphaned = false;
-  FreedList freed[size_class_count];  ///< by size class; list 0 takes the large blocks
+  freed_blocks freed[size_class_count];  ///< by size class; list 0 takes the large blocks
 };
 
 }  // namespace
@@ -85,11 +85,11 @@ constinit std::mutex root_lock;  // static: it also guards the making of the roo
 /// A thread's heap is valid in the life of the allocator that made it. Threads that outlive a tear-down, such
 /// as those of an OpenMP team, hold a pointer of an earlier life.
 constinit std::atomic<uint64_t> allocator_life{1};
-struct HeapHolder {
+struct heap_holder {
   ThreadHeap* heap;
   uint64_t life;
 };
-constinit thread_local HeapHolder holder [[gnu::tls_model("initial-exec")]] = {nullptr, 0};
+constinit thread_local heap_holder holder [[gnu::tls_model("initial-exec")]] = {nullptr, 0};
 
 ThreadHeap* heap_of_thread() {
   return holder.life == allocator_life.load(std::memory_order_relaxed) ? holder.heap : nullptr;
@@ -147,24 +147,24 @@ void unlist_and_destroy(ThreadHeap* heap) {
 }
 
 /// Takes a block out of its heap and gives it to the system.
-void release(ThreadHeap& heap, BlockHeader* header) {
+void release(ThreadHeap& heap, block_header* header) {
   if (header->next != nullptr) header->next->previous = header->previous;
   (header->previous != nullptr ? header->previous->next : heap.live) = header->next;
   heap.in_use.subtract(header->consumed());
   std::free(header->system_block());
 }
 
-void take_back_locked(ThreadHeap& heap, FreedList& list) {
-  BlockHeader* header = list.first.exchange(nullptr, std::memory_order_relaxed);
+void take_back_locked(ThreadHeap& heap, freed_blocks& list) {
+  block_header* header = list.first.exchange(nullptr, std::memory_order_relaxed);
   list.bytes = 0;
   while (header != nullptr) {
-    BlockHeader* const next = FreedList::link(header);
+    block_header* const next = freed_blocks::link(header);
     release(heap, header);
     header = next;
   }
 }
 
-void take_back(ThreadHeap& heap, FreedList& list) {
+void take_back(ThreadHeap& heap, freed_blocks& list) {
   if (list.first.load(std::memory_order_relaxed) == nullptr) [[likely]] {
     return;
   }
@@ -174,13 +174,13 @@ void take_back(ThreadHeap& heap, FreedList& list) {
 
 /// Frees a block of another thread's heap: leaves it to the owner, or does the owner's work if there is none
 /// any more.
-void give_remote_block(ThreadHeap* heap, BlockHeader* header) {
+void give_remote_block(ThreadHeap* heap, block_header* header) {
   {
     const std::lock_guard guard(heap->lock);
     if (!heap->orphaned) {
-      FreedList& list = heap->freed[header->freed_list()];
+      freed_blocks& list = heap->freed[header->freed_list()];
       list.bytes += header->consumed();
-      FreedList::link(header) = list.first.load(std::memory_order_relaxed);
+      freed_blocks::link(header) = list.first.load(std::memory_order_relaxed);
       list.first.store(header, std::memory_order_relaxed);
       return;
     }
@@ -192,32 +192,33 @@ void give_remote_block(ThreadHeap* heap, BlockHeader* header) {
 
 }  // namespace
 
-HeapAccounts* current_heap() {
+heap_accounts* current_heap() {
   ThreadHeap* const heap = heap_of_thread();
   return heap != nullptr ? heap : make_heap();
 }
 
-void* take_block(HeapAccounts& accounts, uint64_t rounded, bool aligned) {
+void* take_block(heap_accounts& accounts, uint64_t rounded, bool aligned) {
   ThreadHeap& heap = static_cast<ThreadHeap&>(accounts);
   const bool large = rounded > largest_class_bytes;
-  FreedList& freed = heap.freed[large ? 0 : size_class_of(rounded)];
+  freed_blocks& freed = heap.freed[large ? 0 : size_class_of(rounded)];
   if (large) {
     take_back(heap, freed);
     if (rounded > system_allocation_limit) return nullptr;
   }
   const uint64_t consumed = consumed_bytes(rounded);
   const bool padded = !aligned && (consumed > headerless_bytes || consumed % 16 != 0);
-  const uint64_t lead = padded ? BlockHeader::padding : 0;
+  const uint64_t lead = padded ? block_header::padding : 0;
   const uint64_t usable = consumed - header_bytes(consumed, aligned);
-  const uint64_t total = lead + sizeof(BlockHeader) + usable;
+  const uint64_t total = lead + sizeof(block_header) + usable;
   // The larger half of the address space is no size; checked here because a sanitizer's malloc ends the
   // process over it.
   if (total >= uint64_t{1} << 48) return nullptr;
   char* const memory = static_cast<char*>(std::malloc(total));
   if (memory == nullptr) return nullptr;
-  BlockHeader* const header = reinterpret_cast<BlockHeader*>(memory + lead);
-  *header = {&heap, nullptr, heap.live,
-             consumed | (aligned ? BlockHeader::aligned_flag : 0) | (padded ? BlockHeader::padded_flag : 0)};
+  block_header* const header = reinterpret_cast<block_header*>(memory + lead);
+  *header = {
+      &heap, nullptr, heap.live,
+      consumed | (aligned ? block_header::aligned_flag : 0) | (padded ? block_header::padded_flag : 0)};
   if (heap.live != nullptr) heap.live->previous = header;
   heap.live = header;
   heap.in_use.add(consumed);
@@ -226,19 +227,19 @@ void* take_block(HeapAccounts& accounts, uint64_t rounded, bool aligned) {
 }
 
 void give_block(void* block) {
-  BlockHeader* const header = BlockHeader::of(block);
+  block_header* const header = block_header::of(block);
   ThreadHeap* const heap = header->owner;
   if (heap != heap_of_thread()) [[unlikely]] {
     give_remote_block(heap, header);
     return;
   }
-  FreedList& freed = heap->freed[header->freed_list()];
+  freed_blocks& freed = heap->freed[header->freed_list()];
   release(*heap, header);
   take_back(*heap, freed);
 }
 
 uint64_t usable_bytes(const void* block) {
-  const BlockHeader* const header = BlockHeader::of(block);
+  const block_header* const header = block_header::of(block);
   return header->consumed() - header_bytes(header->consumed(), header->aligned());
 }
 
@@ -257,20 +258,20 @@ void release_reserve() {
   list->reserve = nullptr;
 }
 
-HeapListLock::HeapListLock() { root_lock.lock(); }
-HeapListLock::~HeapListLock() { root_lock.unlock(); }
+heap_list_lock::heap_list_lock() { root_lock.lock(); }
+heap_list_lock::~heap_list_lock() { root_lock.unlock(); }
 
-uint64_t HeapListLock::count() const {
+uint64_t heap_list_lock::count() const {
   uint64_t heaps = 0;
-  visit([](const HeapAccounts&, PendingBytes, void* sum) { ++*static_cast<uint64_t*>(sum); }, &heaps);
+  visit([](const heap_accounts&, pending_bytes, void* sum) { ++*static_cast<uint64_t*>(sum); }, &heaps);
   return heaps;
 }
 
-void HeapListLock::visit(HeapVisitor visitor, void* context) const {
+void heap_list_lock::visit(heap_visitor visitor, void* context) const {
   const HeapRoot* const list = root.load(std::memory_order_relaxed);
   if (list == nullptr) return;
   for (ThreadHeap* heap = list->newest; heap != nullptr; heap = heap->older) {
-    PendingBytes pending;
+    pending_bytes pending;
     {
       const std::lock_guard guard(heap->lock);
       pending.large = heap->freed[0].bytes;
@@ -285,7 +286,7 @@ void compact() {
   const HeapRoot* const list = root.load(std::memory_order_relaxed);
   if (list == nullptr) return;
   for (ThreadHeap* heap = list->newest; heap != nullptr; heap = heap->older) {
-    for (FreedList& freed : heap->freed) take_back(*heap, freed);
+    for (freed_blocks& freed : heap->freed) take_back(*heap, freed);
   }
 }
 
@@ -297,7 +298,7 @@ void end_current_heap() {
     // One hold of the lock for the last look at the freed lists and for the mark: a block that is freed at
     // this moment is either seen here or finds the mark.
     const std::lock_guard guard(heap->lock);
-    for (FreedList& freed : heap->freed) take_back_locked(*heap, freed);
+    for (freed_blocks& freed : heap->freed) take_back_locked(*heap, freed);
     if (heap->live != nullptr) {
       heap->orphaned = true;
       return;

@@ -17,9 +17,9 @@ namespace vlm::memory {
 
 /// A counter that one thread writes and any thread may read. Not a shared sum: add is no atomic
 /// read-modify-write.
-class OwnerCounter {
+class owner_counter {
  public:
-  constexpr OwnerCounter(uint64_t value = 0) : value_(value) {}
+  constexpr owner_counter(uint64_t value = 0) : value_(value) {}
   uint64_t get() const { return value_.load(std::memory_order_relaxed); }
   void set(uint64_t value) { value_.store(value, std::memory_order_relaxed); }
   void add(uint64_t amount) { set(get() + amount); }
@@ -34,25 +34,25 @@ class OwnerCounter {
 
 /// The accounts of a heap. in_use starts at the size of the heap's record and is kept by the engine; the rest
 /// is the interface's.
-struct HeapAccounts {
-  OwnerCounter in_use;
-  OwnerCounter peak;
-  OwnerCounter limit;
+struct heap_accounts {
+  owner_counter in_use;
+  owner_counter peak;
+  owner_counter limit;
   int64_t thread_id = 0;
 };
 
 /// Bytes freed by other threads that wait in a heap.
-struct PendingBytes {
+struct pending_bytes {
   uint64_t small = 0;
   uint64_t large = 0;
 };
 
 /// The calling thread's heap, made with the root if need be; null if the system allocator fails.
-HeapAccounts* current_heap();
+heap_accounts* current_heap();
 
 /// A block for a rounded request (size_classes.h) from the calling thread's heap, counted in in_use; null if
 /// the system has no more or system_allocation_limit forbids it.
-void* take_block(HeapAccounts& heap, uint64_t rounded, bool aligned);
+void* take_block(heap_accounts& heap, uint64_t rounded, bool aligned);
 /// Gives back a block of any heap; never makes a heap.
 void give_block(void* block);
 /// The bytes of a block that are its caller's.
@@ -66,16 +66,16 @@ HeapRoot* ensure_heap_root();
 void release_reserve();
 
 /// The number of heaps, and a visit to each of them, newest first, under the lock of the list.
-using HeapVisitor = void (*)(const HeapAccounts& heap, PendingBytes pending, void* context);
+using heap_visitor = void (*)(const heap_accounts& heap, pending_bytes pending, void* context);
 /// Holds the list of heaps still while it lives.
-class HeapListLock {
+class heap_list_lock {
  public:
-  HeapListLock();
-  ~HeapListLock();
-  HeapListLock(const HeapListLock&) = delete;
-  HeapListLock& operator=(const HeapListLock&) = delete;
+  heap_list_lock();
+  ~heap_list_lock();
+  heap_list_lock(const heap_list_lock&) = delete;
+  heap_list_lock& operator=(const heap_list_lock&) = delete;
   uint64_t count() const;
-  void visit(HeapVisitor visitor, void* context) const;
+  void visit(heap_visitor visitor, void* context) const;
 };
 
 /// Takes back what waits in every heap. No other thread may be allocating or freeing.

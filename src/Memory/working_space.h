@@ -14,21 +14,21 @@ namespace vlm::memory {
 /// Room for a number of elements of T, contents undefined, at a multiple of 16. With the default mode
 /// exhaustion and a passed soft limit leave it false; with FailFatal it is always true. No elements need no
 /// memory and are true too.
-template <class T> class WorkingSpace {
+template <class T> class working_space {
   static_assert(std::is_trivially_copyable_v<T> && std::is_trivially_destructible_v<T> && alignof(T) <= 16,
                 "working space is raw memory");
 
  public:
-  explicit WorkingSpace(uint64_t count, int32_t fail_mode = FailNull) noexcept : count_(count) {
+  explicit working_space(uint64_t count, int32_t fail_mode = FailNull) noexcept : count_(count) {
     uint64_t bytes;
     // A size that 64 bits cannot hold fails as one that memory cannot.
     if (__builtin_mul_overflow(count, uint64_t{sizeof(T)}, &bytes)) bytes = ~uint64_t{0};
     data_ = static_cast<T*>(zalloc(bytes, 1, fail_mode));
   }
-  ~WorkingSpace() { zfree(data_); }
-  WorkingSpace(WorkingSpace&& other) noexcept
+  ~working_space() { zfree(data_); }
+  working_space(working_space&& other) noexcept
       : data_(std::exchange(other.data_, nullptr)), count_(std::exchange(other.count_, 0)) {}
-  WorkingSpace& operator=(WorkingSpace&& other) noexcept {
+  working_space& operator=(working_space&& other) noexcept {
     std::swap(data_, other.data_);
     std::swap(count_, other.count_);
     return *this;

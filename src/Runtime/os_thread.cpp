@@ -35,7 +35,7 @@ template <class Record> Record* new_record() {
 }
 
 /// What a new thread is to run; the new thread frees it.
-struct StartRecord {
+struct start_record {
   void (*entry)(void* argument);
   void* argument;
 };
@@ -43,7 +43,7 @@ struct StartRecord {
 /// Not noexcept: KThreadRawExit unwinds through it.
 void* run_thread(void* record) {
   // Copied and freed first, so that a thread which leaves by KThreadRawExit leaks nothing.
-  const StartRecord start = *static_cast<StartRecord*>(record);
+  const start_record start = *static_cast<start_record*>(record);
   std::free(record);
   vlm::run_thread_start_hooks();
   start.entry(start.argument);
@@ -52,15 +52,15 @@ void* run_thread(void* record) {
 }
 
 /// Default attributes but for the detached state, which a caller relies on: nobody joins such a thread.
-class ThreadAttributes {
+class thread_attributes {
  public:
-  explicit ThreadAttributes(bool detached) {
+  explicit thread_attributes(bool detached) {
     pthread_attr_init(&attributes_);
     if (detached) pthread_attr_setdetachstate(&attributes_, PTHREAD_CREATE_DETACHED);
   }
-  ~ThreadAttributes() { pthread_attr_destroy(&attributes_); }
-  ThreadAttributes(const ThreadAttributes&) = delete;
-  ThreadAttributes& operator=(const ThreadAttributes&) = delete;
+  ~thread_attributes() { pthread_attr_destroy(&attributes_); }
+  thread_attributes(const thread_attributes&) = delete;
+  thread_attributes& operator=(const thread_attributes&) = delete;
 
   /// Moves the scheduling priority; false if the policy has no such level.
   bool shift_priority(int offset) {
@@ -83,17 +83,17 @@ int priority_offset(uint32_t flags) {
 }
 
 /// Starts the thread with the shifted priority where that is permitted, otherwise with the default one.
-bool start_thread(KThread& thread, StartRecord* record, uint32_t flags) {
+bool start_thread(KThread& thread, start_record* record, uint32_t flags) {
   const bool detached = (flags & KTHREAD_DETACHED) != 0;
   thread.joinable = !detached;
   if (const int offset = priority_offset(flags); offset != 0) {
-    ThreadAttributes attributes(detached);
+    thread_attributes attributes(detached);
     if (attributes.shift_priority(offset) &&
         pthread_create(&thread.id, attributes.get(), run_thread, record) == 0) {
       return true;
     }
   }
-  const ThreadAttributes attributes(detached);
+  const thread_attributes attributes(detached);
   return pthread_create(&thread.id, attributes.get(), run_thread, record) == 0;
 }
 
@@ -136,7 +136,7 @@ KThread* KThreadCreate(void (*entry)(void* argument), void* argument, uint32_t f
   VELORIM_ASSERT(has_priority, "flags & KTHREAD_PRIORITY_NORMAL", "KThreadCreate");
   if (!has_priority || entry == nullptr) return nullptr;
   KThread* const thread = new_record<KThread>();
-  StartRecord* const record = new_record<StartRecord>();
+  start_record* const record = new_record<start_record>();
   if (thread != nullptr && record != nullptr) {
     *record = {entry, argument};
     if (start_thread(*thread, record, flags)) return thread;

@@ -9,14 +9,14 @@ namespace vlm {
 namespace {
 
 /// A growable array of hooks on the system allocator: the lists exist before the library's allocator does.
-class HookList {
+class hook_list {
  public:
-  static HookList* create() {
-    void* const storage = std::malloc(sizeof(HookList));
+  static hook_list* create() {
+    void* const storage = std::malloc(sizeof(hook_list));
     if (storage == nullptr) nomem();
-    return new (storage) HookList;
+    return new (storage) hook_list;
   }
-  static void destroy(HookList* list) {
+  static void destroy(hook_list* list) {
     if (list == nullptr) return;
     std::free(list->hooks_);
     std::free(list);
@@ -31,7 +31,7 @@ class HookList {
   thread_hook operator[](uint32_t index) const { return hooks_[index]; }
 
  private:
-  HookList() { grow(initial_capacity); }
+  hook_list() { grow(initial_capacity); }
   void grow(uint32_t capacity) {
     void* const hooks = std::realloc(hooks_, capacity * sizeof(thread_hook));
     if (hooks == nullptr) nomem();
@@ -45,10 +45,10 @@ class HookList {
   uint32_t count_ = 0;
 };
 
-constinit HookList* thread_start_hooks = nullptr;
-constinit HookList* thread_stop_hooks = nullptr;
+constinit hook_list* thread_start_hooks = nullptr;
+constinit hook_list* thread_stop_hooks = nullptr;
 
-uint32_t add(HookList* list, thread_hook hook) { return list == nullptr ? 0 : list->add(hook); }
+uint32_t add(hook_list* list, thread_hook hook) { return list == nullptr ? 0 : list->add(hook); }
 
 }  // namespace
 
@@ -80,8 +80,8 @@ void call_thread_stop_hook(uint32_t position) {
 }
 
 void free_thread_hook_lists() {
-  HookList::destroy(thread_start_hooks);
-  HookList::destroy(thread_stop_hooks);
+  hook_list::destroy(thread_start_hooks);
+  hook_list::destroy(thread_stop_hooks);
   thread_start_hooks = thread_stop_hooks = nullptr;
 }
 
@@ -89,6 +89,6 @@ void free_thread_hook_lists() {
 
 void KThread_initStartStopFunctions(void) noexcept {
   using namespace vlm;
-  if (thread_start_hooks == nullptr) thread_start_hooks = HookList::create();
-  if (thread_stop_hooks == nullptr) thread_stop_hooks = HookList::create();
+  if (thread_start_hooks == nullptr) thread_start_hooks = hook_list::create();
+  if (thread_stop_hooks == nullptr) thread_stop_hooks = hook_list::create();
 }

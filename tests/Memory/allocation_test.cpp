@@ -313,26 +313,26 @@ TEST(NamedForms, AreTheEntriesTheyAbbreviate) {
   EXPECT_EQ(RuntimeCallocateAligned(all_ones, 1), nullptr);
 }
 
-TEST(WorkingSpace, IsFreedOnEveryWayOut) {
+TEST(working_space, IsFreedOnEveryWayOut) {
   const AllocationBalance balance;
-  vlm::memory::WorkingSpace<double> space(1000);
+  vlm::memory::working_space<double> space(1000);
   ASSERT_TRUE(space);
   EXPECT_TRUE(is_multiple(space.data(), 16));
-  vlm::memory::WorkingSpace<double> other(10);
+  vlm::memory::working_space<double> other(10);
   other = std::move(space);
   EXPECT_EQ(other.size(), 1000u);
-  vlm::memory::WorkingSpace<double> third(std::move(other));
+  vlm::memory::working_space<double> third(std::move(other));
   third[999] = 1;
   zfree(third.release());
-  EXPECT_TRUE(vlm::memory::WorkingSpace<int>(0));
-  EXPECT_FALSE(vlm::memory::WorkingSpace<double>(all_ones / 4));
+  EXPECT_TRUE(vlm::memory::working_space<int>(0));
+  EXPECT_FALSE(vlm::memory::working_space<double>(all_ones / 4));
 }
 
 TEST(FailureInjection, ReachesEveryAllocationOnce) {
   const int64_t failures = vlm::test::for_each_failing_allocation([] {
     void* const fatal = zalloc(8, 0, FailFatal);  // never made to fail
     zfree(fatal);
-    const vlm::memory::WorkingSpace<char> a(100), b(100), c(100000, FailReport);
+    const vlm::memory::working_space<char> a(100), b(100), c(100000, FailReport);
     return a && b && c;
   });
   EXPECT_EQ(failures, 3);

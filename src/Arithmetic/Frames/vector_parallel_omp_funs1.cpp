@@ -137,10 +137,10 @@ mint vfun1_run(const kernel& k, void* result, const void* source, mint count, co
   const check_mode mode = choose_mode(k, result, source, flags);
 
   mint steps[2] = {increments[0], increments[1]};
-  memory::WorkingSpace<unsigned char> copy(0);
+  memory::working_space<unsigned char> copy(0);
   if (disturbs_source(k, result, source, count, steps)) {
     const mint distinct = steps[1] == 0 ? 1 : count;
-    copy = memory::WorkingSpace<unsigned char>(static_cast<uint64_t>(distinct) * k.source_bytes, FailFatal);
+    copy = memory::working_space<unsigned char>(static_cast<uint64_t>(distinct) * k.source_bytes, FailFatal);
     strided_copy(copy.data(), 1, source, steps[1], distinct, k.source_bytes);
     x = copy.data();
     if (steps[1] != 0) steps[1] = 1;

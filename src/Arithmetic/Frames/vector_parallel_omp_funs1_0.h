@@ -34,7 +34,7 @@ int32_t vfun1_0_run(Range&& range, Combine&& combine, Accumulator* accumulator, 
   if (!parallel::use_team(count, lengths.threshold)) return on_this_thread();
 
   const int threads = parallel::team_size();
-  memory::WorkingSpace<Accumulator> partials(static_cast<uint64_t>(threads));
+  memory::working_space<Accumulator> partials(static_cast<uint64_t>(threads));
   if (!partials) return on_this_thread();
   const Accumulator start = *accumulator;
   std::fill(partials.begin(), partials.end(), start);

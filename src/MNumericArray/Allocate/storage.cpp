@@ -14,7 +14,7 @@ mint checked_element_count(mint rank, const mint* dims) {
 }
 
 int32_t report_size_overflow() {
-  if (memory::HeapAccounts* heap = memory::current_heap()) {
+  if (memory::heap_accounts* heap = memory::current_heap()) {
     memory::passes_limit(*heap, std::numeric_limits<uint64_t>::max());
   }
   return ArrayStatusNoMemory;
