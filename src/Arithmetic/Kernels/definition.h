@@ -57,6 +57,20 @@ struct never_fails {
   template <class T> static constexpr VelorimError failure(T) { return VelorimError_success; }
 };
 
+/// The integer class of functions that change nothing on integers, and of those that leave nothing of them.
+struct argument_itself : never_fails {
+  template <class T> static constexpr T value(T x) { return x; }
+};
+struct always_zero : never_fails {
+  template <class T> static constexpr T value(T) { return 0; }
+};
+
+/// The real class of a function that is one elementary function (vector_math.h), within its range.
+template <const auto& Function, class Checked> struct computed_by : Checked {
+  template <class T> static constexpr ordinary_range range() { return Function.template range<T>(); }
+  template <class V> static V value(V x) { return Function(x); }
+};
+
 /// The value test of every real result: not a NaN and not an infinity. By the exponent bits, so that it
 /// raises nothing.
 template <class T> constexpr bool is_finite_value(T y) {

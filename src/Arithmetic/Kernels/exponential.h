@@ -11,40 +11,28 @@ struct Exp {
   static constexpr int32_t number = 32;
   static constexpr char name[] = "exp";
   static constexpr char return_range[] = "-RC";
-  struct on_reals : checked_real {
-    template <class T> static constexpr ordinary_range range() { return vm::exp.range<T>(); }
-    template <class V> static V value(V x) { return vm::exp(x); }
-  };
+  using on_reals = computed_by<vm::exp, checked_real>;
 };
 
 struct Expm1 {
   static constexpr int32_t number = 33;
   static constexpr char name[] = "expm1";
   static constexpr char return_range[] = "-RC";
-  struct on_reals : checked_real {
-    template <class T> static constexpr ordinary_range range() { return vm::expm1.range<T>(); }
-    template <class V> static V value(V x) { return vm::expm1(x); }
-  };
+  using on_reals = computed_by<vm::expm1, checked_real>;
 };
 
 struct Log {
   static constexpr int32_t number = 34;
   static constexpr char name[] = "log";
   static constexpr char return_range[] = "-CC";
-  struct on_reals : checked_real {
-    template <class T> static constexpr ordinary_range range() { return vm::log.range<T>(); }
-    template <class V> static V value(V x) { return vm::log(x); }
-  };
+  using on_reals = computed_by<vm::log, checked_real>;
 };
 
 struct Log1p {
   static constexpr int32_t number = 35;
   static constexpr char name[] = "log1p";
   static constexpr char return_range[] = "-CC";
-  struct on_reals : checked_real {
-    template <class T> static constexpr ordinary_range range() { return vm::log1p.range<T>(); }
-    template <class V> static V value(V x) { return vm::log1p(x); }
-  };
+  using on_reals = computed_by<vm::log1p, checked_real>;
 };
 
 struct Log2 {
@@ -60,10 +48,7 @@ struct Log2 {
       return std::has_single_bit(bits_of(x)) ? VelorimError_success : VelorimError_integer_inexact_division;
     }
   };
-  struct on_reals : checked_real {
-    template <class T> static constexpr ordinary_range range() { return vm::log2.range<T>(); }
-    template <class V> static V value(V x) { return vm::log2(x); }
-  };
+  using on_reals = computed_by<vm::log2, checked_real>;
 };
 
 struct Log10 {
@@ -86,10 +71,7 @@ struct Log10 {
       return VelorimError_success;
     }
   };
-  struct on_reals : checked_real {
-    template <class T> static constexpr ordinary_range range() { return vm::log10.range<T>(); }
-    template <class V> static V value(V x) { return vm::log10(x); }
-  };
+  using on_reals = computed_by<vm::log10, checked_real>;
 };
 
 /// 1 / (1 + e^-x), from e^-|x| so that nothing overflows.

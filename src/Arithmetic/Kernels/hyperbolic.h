@@ -12,30 +12,21 @@ struct Sinh {
   static constexpr int32_t number = 9;
   static constexpr char name[] = "sinh";
   static constexpr char return_range[] = "-RC";
-  struct on_reals : checked_real {
-    template <class T> static constexpr ordinary_range range() { return vm::sinh.range<T>(); }
-    template <class V> static V value(V x) { return vm::sinh(x); }
-  };
+  using on_reals = computed_by<vm::sinh, checked_real>;
 };
 
 struct Cosh {
   static constexpr int32_t number = 10;
   static constexpr char name[] = "cosh";
   static constexpr char return_range[] = "-RC";
-  struct on_reals : checked_real {
-    template <class T> static constexpr ordinary_range range() { return vm::cosh.range<T>(); }
-    template <class V> static V value(V x) { return vm::cosh(x); }
-  };
+  using on_reals = computed_by<vm::cosh, checked_real>;
 };
 
 struct Tanh {
   static constexpr int32_t number = 11;
   static constexpr char name[] = "tanh";
   static constexpr char return_range[] = "-RC";
-  struct on_reals : checked_real {
-    template <class T> static constexpr ordinary_range range() { return vm::tanh.range<T>(); }
-    template <class V> static V value(V x) { return vm::tanh(x); }
-  };
+  using on_reals = computed_by<vm::tanh, checked_real>;
 };
 
 /// 1 / sinh|x| and 1 / cosh(x) where sinh and cosh overflow or are about to: 2 e^-|x|, and 0 beyond a limit.
@@ -96,30 +87,21 @@ struct Asinh {
   static constexpr int32_t number = 25;
   static constexpr char name[] = "asinh";
   static constexpr char return_range[] = "-RC";
-  struct on_reals : plain_real {
-    template <class T> static constexpr ordinary_range range() { return vm::asinh.range<T>(); }
-    template <class V> static V value(V x) { return vm::asinh(x); }
-  };
+  using on_reals = computed_by<vm::asinh, plain_real>;
 };
 
 struct Acosh {
   static constexpr int32_t number = 26;
   static constexpr char name[] = "acosh";
   static constexpr char return_range[] = "-CC";
-  struct on_reals : checked_real {
-    template <class T> static constexpr ordinary_range range() { return vm::acosh.range<T>(); }
-    template <class V> static V value(V x) { return vm::acosh(x); }
-  };
+  using on_reals = computed_by<vm::acosh, checked_real>;
 };
 
 struct Atanh {
   static constexpr int32_t number = 27;
   static constexpr char name[] = "atanh";
   static constexpr char return_range[] = "-CC";
-  struct on_reals : checked_real {
-    template <class T> static constexpr ordinary_range range() { return vm::atanh.range<T>(); }
-    template <class V> static V value(V x) { return vm::atanh(x); }
-  };
+  using on_reals = computed_by<vm::atanh, checked_real>;
 };
 
 struct Acsch {

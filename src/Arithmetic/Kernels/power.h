@@ -52,10 +52,7 @@ struct Cbrt {
   static constexpr int32_t number = 58;
   static constexpr char name[] = "cbrt";
   static constexpr char return_range[] = "-R-";
-  struct on_reals : plain_real {
-    template <class T> static constexpr ordinary_range range() { return vm::cbrt.range<T>(); }
-    template <class V> static V value(V x) { return vm::cbrt(x); }
-  };
+  using on_reals = computed_by<vm::cbrt, plain_real>;
 };
 
 struct Rsqrt {

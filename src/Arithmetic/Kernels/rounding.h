@@ -36,9 +36,7 @@ struct Round {
   static constexpr int32_t number = 49;
   static constexpr char name[] = "round";
   static constexpr char return_range[] = "=I-";
-  struct on_integers : never_fails {
-    template <class T> static constexpr T value(T x) { return x; }
-  };
+  using on_integers = argument_itself;
   struct on_reals : to_mint {
     template <class T> static mint value(T x) { return saturated_mint(std::rint(x)); }
   };
@@ -48,9 +46,7 @@ struct Floor {
   static constexpr int32_t number = 50;
   static constexpr char name[] = "floor";
   static constexpr char return_range[] = "=I-";
-  struct on_integers : never_fails {
-    template <class T> static constexpr T value(T x) { return x; }
-  };
+  using on_integers = argument_itself;
   struct on_reals : to_mint {
     template <class T> static mint value(T x) { return saturated_mint(std::floor(x)); }
   };
@@ -60,9 +56,7 @@ struct Ceiling {
   static constexpr int32_t number = 51;
   static constexpr char name[] = "ceiling";
   static constexpr char return_range[] = "=I-";
-  struct on_integers : never_fails {
-    template <class T> static constexpr T value(T x) { return x; }
-  };
+  using on_integers = argument_itself;
   struct on_reals : to_mint {
     template <class T> static mint value(T x) { return saturated_mint(std::ceil(x)); }
   };
@@ -72,9 +66,7 @@ struct IntPart {
   static constexpr int32_t number = 53;
   static constexpr char name[] = "intpart";
   static constexpr char return_range[] = "=I-";
-  struct on_integers : never_fails {
-    template <class T> static constexpr T value(T x) { return x; }
-  };
+  using on_integers = argument_itself;
   struct on_reals : to_mint {
     template <class T> static mint value(T x) { return saturated_mint(x); }
   };
@@ -85,9 +77,7 @@ struct FracPart {
   static constexpr int32_t number = 52;
   static constexpr char name[] = "fracpart";
   static constexpr char return_range[] = "IRC";
-  struct on_integers : never_fails {
-    template <class T> static constexpr T value(T) { return 0; }
-  };
+  using on_integers = always_zero;
   struct on_reals : plain_real {
     template <class T> static T value(T x) {
       T whole;
@@ -101,9 +91,7 @@ struct Mod1 {
   static constexpr int32_t number = 79;
   static constexpr char name[] = "mod1";
   static constexpr char return_range[] = "IRC";
-  struct on_integers : never_fails {
-    template <class T> static constexpr T value(T) { return 0; }
-  };
+  using on_integers = always_zero;
   struct on_reals : plain_real {
     template <class T> static T value(T x) {
       T whole;

@@ -49,9 +49,7 @@ struct Conj {
   static constexpr int32_t number = 40;
   static constexpr char name[] = "conj";
   static constexpr char return_range[] = "IRC";
-  struct on_integers : never_fails {
-    template <class T> static constexpr T value(T x) { return x; }
-  };
+  using on_integers = argument_itself;
   struct on_reals : plain_real {
     static constexpr bool register_arithmetic = true, copies_bits = true;
     template <class V> static V value(V x) { return x; }
@@ -62,9 +60,7 @@ struct Im {
   static constexpr int32_t number = 41;
   static constexpr char name[] = "im";
   static constexpr char return_range[] = "IIR";
-  struct on_integers : never_fails {
-    template <class T> static constexpr T value(T) { return 0; }
-  };
+  using on_integers = always_zero;
   struct on_reals : never_fails {
     template <class T> static mint value(T) { return 0; }
   };
@@ -74,13 +70,8 @@ struct Re {
   static constexpr int32_t number = 42;
   static constexpr char name[] = "re";
   static constexpr char return_range[] = "IRR";
-  struct on_integers : never_fails {
-    template <class T> static constexpr T value(T x) { return x; }
-  };
-  struct on_reals : plain_real {
-    static constexpr bool register_arithmetic = true, copies_bits = true;
-    template <class V> static V value(V x) { return x; }
-  };
+  using on_integers = argument_itself;
+  using on_reals = Conj::on_reals;
 };
 
 struct Minus {

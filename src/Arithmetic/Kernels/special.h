@@ -106,10 +106,7 @@ struct Erf {
   static constexpr int32_t number = 75;
   static constexpr char name[] = "erf";
   static constexpr char return_range[] = "-R-";
-  struct on_reals : plain_real {
-    template <class T> static constexpr ordinary_range range() { return vm::erf.range<T>(); }
-    template <class V> static V value(V x) { return vm::erf(x); }
-  };
+  using on_reals = computed_by<vm::erf, plain_real>;
 };
 
 struct Gamma {
@@ -126,10 +123,7 @@ struct Gamma {
       return x < 1 || bits_of(x) > limit<T> ? VelorimError_integer_overflow : VelorimError_success;
     }
   };
-  struct on_reals : checked_real {
-    template <class T> static constexpr ordinary_range range() { return vm::tgamma.range<T>(); }
-    template <class V> static V value(V x) { return vm::tgamma(x); }
-  };
+  using on_reals = computed_by<vm::tgamma, checked_real>;
 };
 
 struct LogGamma {

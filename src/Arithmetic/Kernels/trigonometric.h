@@ -10,30 +10,21 @@ struct Sin {
   static constexpr int32_t number = 1;
   static constexpr char name[] = "sin";
   static constexpr char return_range[] = "-RC";
-  struct on_reals : plain_real {
-    template <class T> static constexpr ordinary_range range() { return vm::sin.range<T>(); }
-    template <class V> static V value(V x) { return vm::sin(x); }
-  };
+  using on_reals = computed_by<vm::sin, plain_real>;
 };
 
 struct Cos {
   static constexpr int32_t number = 2;
   static constexpr char name[] = "cos";
   static constexpr char return_range[] = "-RC";
-  struct on_reals : plain_real {
-    template <class T> static constexpr ordinary_range range() { return vm::cos.range<T>(); }
-    template <class V> static V value(V x) { return vm::cos(x); }
-  };
+  using on_reals = computed_by<vm::cos, plain_real>;
 };
 
 struct Tan {
   static constexpr int32_t number = 3;
   static constexpr char name[] = "tan";
   static constexpr char return_range[] = "-RC";
-  struct on_reals : checked_real {
-    template <class T> static constexpr ordinary_range range() { return vm::tan.range<T>(); }
-    template <class V> static V value(V x) { return vm::tan(x); }
-  };
+  using on_reals = computed_by<vm::tan, checked_real>;
 };
 
 /// A reciprocal must not overflow inside the range: no argument below the smallest normal number.
@@ -79,30 +70,21 @@ struct Asin {
   static constexpr int32_t number = 17;
   static constexpr char name[] = "asin";
   static constexpr char return_range[] = "-CC";
-  struct on_reals : checked_real {
-    template <class T> static constexpr ordinary_range range() { return vm::asin.range<T>(); }
-    template <class V> static V value(V x) { return vm::asin(x); }
-  };
+  using on_reals = computed_by<vm::asin, checked_real>;
 };
 
 struct Acos {
   static constexpr int32_t number = 18;
   static constexpr char name[] = "acos";
   static constexpr char return_range[] = "-CC";
-  struct on_reals : checked_real {
-    template <class T> static constexpr ordinary_range range() { return vm::acos.range<T>(); }
-    template <class V> static V value(V x) { return vm::acos(x); }
-  };
+  using on_reals = computed_by<vm::acos, checked_real>;
 };
 
 struct Atan {
   static constexpr int32_t number = 19;
   static constexpr char name[] = "atan";
   static constexpr char return_range[] = "-RC";
-  struct on_reals : plain_real {
-    template <class T> static constexpr ordinary_range range() { return vm::atan.range<T>(); }
-    template <class V> static V value(V x) { return vm::atan(x); }
-  };
+  using on_reals = computed_by<vm::atan, plain_real>;
 };
 
 struct Acsc {
