@@ -7,6 +7,7 @@
 // in which the compiler raises flags that the program does not (speculated division).
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cfenv>
 #include <cmath>
 #include <cstring>
@@ -309,6 +310,20 @@ TEST(TeamRuns, SplitFromTheThresholdOn) {
     EXPECT_EQ(split ? chunk_start + 1 : 1, run(MachFunc_sqrt, result.data(), source.data(), count, fp))
         << count;
     EXPECT_EQ(count, run(MachFunc_sqrt, source.data(), source.data(), count, fp)) << "in place: never split";
+  }
+}
+
+/// In place nothing is split, so that elements behind the failure are what they were. A split would write the next chunk
+/// while the failing one runs, in most trials.
+TEST(TeamRuns, InPlaceStaysOnOneThread) {
+  const team two(2, 1000);
+  std::vector<double> source(4000, 4.0);
+  source[1499] = -4.0;
+  for (int trial = 0; trial < 100; ++trial) {
+    std::vector<double> data = source;
+    ASSERT_EQ(1500, run(MachFunc_sqrt, data.data(), data.data(), 4000, fp));
+    ASSERT_EQ(2.0, data[1498]);
+    ASSERT_TRUE(std::equal(source.begin() + 1499, source.end(), data.begin() + 1499)) << "trial " << trial;
   }
 }
 

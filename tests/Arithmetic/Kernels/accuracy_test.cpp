@@ -154,7 +154,7 @@ TEST(Accuracy, EveryRoundedFunctionIsMeasured) {
 }
 
 TEST(AccuracyTable, DISABLED_Print) {
-  constexpr int many = 5000;
+  constexpr int many = 8000;
   const auto line = [](const char* name, double b64, worst_error w64, double b32, worst_error w32) {
     std::printf("| `%s` | %g | %.3f | %g | %.3f |\n", name, b64, w64.ulps, b32, w32.ulps);
     std::fflush(stdout);

@@ -56,6 +56,10 @@ rule_value factorial_below(wide x) {
   for (wide n = 2; n < x; ++n) f *= n;
   return {f};
 }
+/// A square that 127 bits do not hold comes out negative, which no unsigned type holds either.
+wide square(wide x) {
+  return static_cast<wide>(static_cast<unsigned __int128>(x) * static_cast<unsigned __int128>(x));
+}
 int one_bits(wide m) {
   int n = 0;
   for (; m != 0; m /= 2) n += static_cast<int>(m % 2);
@@ -111,7 +115,7 @@ rule_value rule(int32_t number, wide x) {
       return {x % 2 != 0};
     case 56:
     case 82:
-      return {x * x};
+      return {square(x)};
     case 61:
       return {one_bits(magnitude)};
     case 62:
