@@ -176,6 +176,7 @@ def main():
     library, peer = measure_all(options.program, options.rounds)
     outputs = [sys.stdout]
     if options.save:
+        (HERE / "results").mkdir(exist_ok=True)
         outputs.append(open(HERE / "results" / "compare_peers.txt", "w", encoding="utf-8"))
     out = Tee(*outputs)
     print(machine(), file=out)

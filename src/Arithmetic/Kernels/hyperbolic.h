@@ -110,7 +110,7 @@ struct Acsch {
   static constexpr char return_range[] = "-RC";
   struct on_reals : checked_real {
     template <class T> static constexpr ordinary_range range() {
-      return {1 / vm::asinh.range<T>().high, std::numeric_limits<T>::max() / 8, true};
+      return {2 / vm::asinh.range<T>().high, std::numeric_limits<T>::max() / 8, true};
     }
     template <class V> static V value(V x) { return vm::asinh(broadcast<V>(1) / x); }
   };
@@ -122,7 +122,7 @@ struct Asech {
   static constexpr char return_range[] = "-CC";
   struct on_reals : checked_real {
     template <class T> static constexpr ordinary_range range() {
-      return {1 / vm::acosh.range<T>().high, 1, false};
+      return {2 / vm::acosh.range<T>().high, 1, false};
     }
     template <class V> static V value(V x) { return vm::acosh(broadcast<V>(1) / x); }
   };

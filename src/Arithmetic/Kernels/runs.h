@@ -67,6 +67,7 @@ inline constexpr bool gives_mint =
 template <class F, class T> using result_of = std::conditional_t<gives_mint<F, T>, mint, T>;
 
 template <class C> inline constexpr bool copies_bits = requires { C::copies_bits; };
+template <class C> inline constexpr bool ignores_argument = requires { C::ignores_argument; };
 template <class C> inline constexpr bool register_arithmetic = requires { C::register_arithmetic; };
 template <class C, class T> inline constexpr bool has_range = requires { C::template range<T>(); };
 /// Classes whose result on a real is a real: they answer to the result check. The others check the argument.
@@ -78,8 +79,8 @@ template <class F, class T> inline result_of<F, T> value_of(T x) {
   if constexpr (!std::is_same_v<T, real16>) {
     return C::value(x);
   } else if constexpr (gives_mint<F, T>) {
-    signal_if_nan(x);
-    return C::value(to_double(x));
+    if constexpr (!ignores_argument<C>) signal_if_nan(x);
+    return C::value(real16_format::widen(x));
   } else if constexpr (copies_bits<C>) {
     return real16{static_cast<uint16_t>(
         std::bit_cast<uint64_t>(C::value(std::bit_cast<double>(uint64_t{x.bits} << 48))) >> 48)};

@@ -62,6 +62,7 @@ struct Im {
   static constexpr char return_range[] = "IIR";
   using on_integers = always_zero;
   struct on_reals : never_fails {
+    static constexpr bool ignores_argument = true;  // so that a NaN is not looked at
     template <class T> static mint value(T) { return 0; }
   };
 };

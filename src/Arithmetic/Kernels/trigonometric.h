@@ -117,7 +117,7 @@ struct Acot {
   static constexpr char return_range[] = "-RC";
   struct on_reals : checked_real {
     template <class T> static constexpr ordinary_range range() {
-      return {1 / vm::atan.range<T>().high, vm::atan.range<T>().high, true};
+      return {2 / vm::atan.range<T>().high, vm::atan.range<T>().high, true};
     }
     /// Pi / 2 at either zero.
     template <class V> static V value(V x) {
