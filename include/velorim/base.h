@@ -2,13 +2,13 @@
  *
  * Conventions of the whole library:
  *  - Arrays are row-major. Dimensions, lengths, steps and positions are mint and count elements, never bytes;
- * byte sizes are uint64_t. A position that a caller sees is one-based unless its comment says otherwise.
+ *    byte sizes are uint64_t. A position that a caller sees is one-based unless its comment says otherwise.
  *  - A result goes through a target argument. The caller owns what a call makes and gives it back with the
- * matching delete.
+ *    matching delete.
  *  - Functions report by status, 0 for success (status.h); no C++ exception leaves the library but that of
  *    throwVelorimException (errors.h).
  *  - Every block that the library hands out comes from zalloc (memory.h) and is released with zfree, on any
- * thread.
+ *    thread.
  *  - Constant tables and pure functions may be used on any thread at any time. */
 #ifndef VELORIM_BASE_H
 #define VELORIM_BASE_H
@@ -63,7 +63,7 @@ enum {
 };
 
 /** Tensor type codes: mint, mreal and mcomplex elements. 1, the boolean type, maps like 2; 0 is no tensor
- * view. */
+ *  view. */
 enum { MTensorTypeBoolean = 1, MTensorTypeInteger = 2, MTensorTypeReal = 3, MTensorTypeComplex = 4 };
 
 /** What an allocation does when it cannot be met; last argument of the allocating functions.

@@ -8,26 +8,31 @@
  *
  * What counts as a failure
  *   MACHFUNC_CHECK_FP       for a floating-point source with a floating-point result: a result that is NaN or
- * infinite, or a raised floating-point exception (invalid, division by zero, overflow; underflow and inexact
- * never count). MACHFUNC_CHECK_INTEGER  for an integer source or result: overflow of the element type, an
- * argument beyond the range of mint. With a bit clear the check is not made: integers wrap at their width,
- * floating-point results are stored as they come. A few failures (marked "always" below) are detected
- * whatever the flags. All other flag bits are ignored.
+ *                           infinite, or a raised floating-point exception (invalid, division by zero,
+ *                           overflow; underflow and inexact never count).
+ *   MACHFUNC_CHECK_INTEGER  for an integer source or result: overflow of the element type, an argument beyond
+ *                           the range of mint.
+ * With a bit clear the check is not made: integers wrap at their width, floating-point results are stored as
+ * they come. A few failures (marked "always" below) are detected whatever the flags. All other flag bits are
+ * ignored.
  *
  * How a vector kernel looks for failures
  *   bulk mode     floating-point results with MACHFUNC_CHECK_FP, source and result apart: every element is
- * written, then the exception flags of the run judge it. A failure is reported as the first element of the
- * run (of the chunk, when the run is split over the team). A quiet NaN or an infinity that merely passes
- * through is no failure. element mode  the same in place, and integers with MACHFUNC_CHECK_INTEGER: stops at
- * the first element that fails its check and reports its exact position; that element and all behind it are
- * unwritten. plain mode    no check; every element is written, except that an "always" failure stops as in
- * element mode. A run that is not in place goes to the thread team when it is long enough (parallel.h);
- * elements behind a reported position may then have been written.
+ *                 written, then the exception flags of the run judge it. A failure is reported as the first
+ *                 element of the run (of the chunk, when the run is split over the team). A quiet NaN or an
+ *                 infinity that merely passes through is no failure.
+ *   element mode  the same in place, and integers with MACHFUNC_CHECK_INTEGER: stops at the first element
+ *                 that fails its check and reports its exact position; that element and all behind it are
+ *                 unwritten.
+ *   plain mode    no check; every element is written, except that an "always" failure stops as in element
+ *                 mode.
+ * A run that is not in place goes to the thread team when it is long enough (parallel.h); elements behind a
+ * reported position may then have been written.
  *
  * A result depends on the element alone: it is the same to the bit in every mode, at every place, length,
- * alignment and number of threads, through scalar and vector kernels. Real64 and Real32 functions are
- * within 1.0 ulp, those composed of several steps within the bounds of docs/accuracy.md; Real16 results are
- * computed in double and rounded once. */
+ * alignment and number of threads, through scalar and vector kernels. Real64 and Real32 functions are within
+ * 1.0 ulp, those composed of several steps within a few (the table of bounds is docs/accuracy.md in the
+ * sources); Real16 results are computed in double and rounded once. */
 #ifndef VELORIM_MACHINE_FUNCTIONS_H
 #define VELORIM_MACHINE_FUNCTIONS_H
 
@@ -38,8 +43,8 @@ VLM_BEGIN_DECLS
 /** Kernel flags. */
 enum { MACHFUNC_CHECK_FP = 2, MACHFUNC_CHECK_INTEGER = 4 };
 
-/** Function numbers. Comments give the value for a real x where the name does not, then the failures that are
- * told always. */
+/** Function numbers. A comment gives the value for a real x where the name does not tell it, then the failures
+ *  that are detected always. */
 enum MachFuncNumber {
   MachFunc_sin = 1,
   MachFunc_cos = 2,
@@ -125,17 +130,20 @@ enum MachFuncNumber {
   MachFunc_triangle = 86,  /**< 1 - |x| for |x| < 1, else 0 */
 };
 
-/** Scalar kernel: one element through pointers to elements of the row's types. Returns 0, or 1 on failure
- * with nothing written. A floating-point result is checked by value, as in element mode. */
+/** Scalar kernel: one element through pointers to elements of the row's types.
+ *  returns 0, or 1 on failure with nothing written. A floating-point result is checked by value, as in element
+ *  mode. */
 typedef int32_t (*MachFuncScalar1)(void* result, const void* x, uint32_t flags);
 typedef int32_t (*MachFuncScalar2)(void* result, const void* x, const void* y, uint32_t flags);
 typedef int32_t (*MachFuncScalar3)(void* result, const void* a, const void* x, const void* y, uint32_t flags);
 
-/** Vector kernel: r[i * increments[0]] = f(x[i * increments[1]]) for i from 0 to count - 1; increments count
- * elements of each operand's own type, in the order result, arguments, and may be 0 or negative. Returns 0,
- * or the 1-based position of a failing element by the mode above. A count of 0 or less returns 0 and reads
- * nothing. Result and source may be the same elements; any other overlap gives what reading the whole source
- * first would give (the source is then copied, and exhausted memory ends the process through nomem). */
+/** Vector kernel: r[i * increments[0]] = f(x[i * increments[1]]) for i from 0 to count - 1.
+ *  increments  steps in elements of each operand's own type, in the order result, arguments; 0 and negative
+ *              steps too.
+ *  returns     0, or the 1-based position of a failing element by the mode above. A count of 0 or less returns
+ *              0 and reads nothing.
+ *  Result and source may be the same elements; any other overlap gives what reading the whole source first
+ *  would give (the source is then copied, and exhausted memory ends the process through nomem). */
 typedef mint (*MachFuncVector1)(void* result, const void* x, mint count, const mint* increments,
                                 uint32_t flags);
 typedef mint (*MachFuncVector2)(void* result, const void* x, const void* y, mint count,
@@ -162,7 +170,7 @@ typedef struct MachFuncRow {
 } MachFuncRow;
 
 /** Increment tables: steps of the result R and the arguments X, Y, Z, each 1 where the name has its letter,
- * else 0. A whole array uses UnitIncrements; a 0 for an argument uses its one element for every result. */
+ *  else 0. A whole array uses UnitIncrements; a 0 for an argument uses its one element for every result. */
 extern const mint UnitIncrements[4];
 extern const mint ZeroIncrements[4];
 extern const mint UnitRIncrements[4];
@@ -180,10 +188,11 @@ extern const mint UnitRYZIncrements[4];
 extern const mint UnitYZIncrements[4];
 extern const mint UnitXYZIncrements[4];
 
-/** The kernels and the result type of a row. type is a tensor type code (0 to 4; the boolean type 1 reads the
- * rows of integers) for the MTensor_ forms and an element type code for the MNumericArray_ forms. Returns
- * null, or 0 for the types, if there is no such row. MTensor_ReturnType1 gives a tensor type code, and 0 also
- * where the result has no tensor view. */
+/** The kernels and the result type of a row.
+ *  type     a tensor type code for the MTensor_ forms (0 to 4; the boolean type 1 reads the rows of integers),
+ *           an element type code for the MNumericArray_ forms.
+ *  returns  null, or 0 for the types, if there is no such row. MTensor_ReturnType1 gives a tensor type code,
+ *           and 0 also where the result has no tensor view. */
 MachFuncVector1 MTensor_getUnaryVectorMachFunc(int32_t number, int32_t type) VLM_NOEXCEPT;
 MachFuncVector1 MNumericArray_getUnaryVectorMachFunc(int32_t number, int32_t type) VLM_NOEXCEPT;
 MachFuncScalar1 MTensor_getUnaryScalarMachFunc(int32_t number, int32_t type) VLM_NOEXCEPT;
@@ -192,30 +201,35 @@ int32_t MTensor_ReturnType1(int32_t number, int32_t type) VLM_NOEXCEPT;
 int32_t MNumericArray_ReturnType1(int32_t number, int32_t type) VLM_NOEXCEPT;
 
 /** The tensor type that can hold every result of the function on a tensor type, over its whole domain: log of
- * reals can be complex. mark    set to 1 if the result is boolean, else to 0; may be null. returns 2, 3 or 4;
- * 1 for a boolean result; -1 if the result is the argument itself; 7 if there is no such function. It speaks
- * of the function, not of the rows: MTensor_ReturnType1 tells what is there. */
+ *  reals can be complex.
+ *  mark     set to 1 if the result is boolean, else to 0; may be null.
+ *  returns  2, 3 or 4; 1 for a boolean result; -1 if the result is the argument itself; 7 if there is no such
+ *           function. It speaks of the function, not of the rows: MTensor_ReturnType1 tells what is there. */
 int32_t ReturnRangeType1(int32_t number, int32_t type, uint32_t* mark) VLM_NOEXCEPT;
 
 /** Applies a function to a whole tensor: r = f(source), in the shape of the source.
  *  resultType  tensor type of the result, from MTensor_ReturnType1 or ReturnRangeType1 (1 counts as 2). It is
- * what is allocated; that the kernel writes elements of this type is the caller's business, only that they
- * fit is made sure of. result      target: null makes an array, an existing one is reshaped and its storage
- * reused; it may be the source itself. returns     0; 4 if an element failed, there is no kernel for function
- * and types, or an argument is null (the target then has its shape and holds what was written); 5 if memory
- * ran out; any other status of the allocation as it is (402 for a negative dimension). After an allocation
- * that failed a target that was null is null again. */
+ *              what is allocated; that the kernel writes elements of this type is the caller's business, only
+ *              that they fit is made sure of.
+ *  result      target: null makes an array, an existing one is reshaped and its storage reused; it may be the
+ *              source itself.
+ *  returns     0;
+ *              4 if an element failed, there is no kernel for function and types, or an argument is null (the
+ *              target then has its shape and holds what was written);
+ *              5 if memory ran out; any other status of the allocation as it is (402 for a negative
+ *              dimension). After an allocation that failed a target that was null is null again.
+ *  A real source with a complex result has no kernel in this edition, nor has a complex source. */
 int32_t Math_T_T(int32_t number, uint32_t flags, const MTensor* source, int32_t resultType,
                  MTensor** result) VLM_NOEXCEPT;
 
 /** Operators: f applied to every element of a source, into a result that already has the shape and the type.
- *  returns -2 for success; -1 if there is no kernel for the
- *          function and the two types, an array is null, or the result's storage is too small for what the
- * kernel writes; else the 0-based index of a failing element, by the mode of the run. Elements written are
- * those the mode says. TensorOp1 goes by the tensor types of both arrays, PackedTensorOp1 by the source's
- * type and resultType. Integer sources have integer results only. The result may be the source. The promotion
- * of reals to complex has no kernel in this edition: a real source with a complex result gives -1, and
- * complex sources have no rows. */
+ *  TensorOp1 goes by the tensor types of both arrays, PackedTensorOp1 by the source's type and resultType.
+ *  Integer sources have integer results only. The result may be the source.
+ *  returns  -2 for success;
+ *           -1 if there is no kernel for the function and the two types, an array is null, or the result's
+ *           storage is too small for what the kernel writes;
+ *           else the 0-based index of a failing element, by the mode of the run, which also tells what was
+ *           written. */
 mint TensorOp1(const MTensor* source, MTensor* result, int32_t number, uint32_t flags) VLM_NOEXCEPT;
 mint PackedTensorOp1(const MTensor* source, MTensor* result, int32_t resultType, int32_t number,
                      uint32_t flags) VLM_NOEXCEPT;

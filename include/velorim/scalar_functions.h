@@ -1,10 +1,12 @@
 /* Machine functions on one number: s_machfunc_i_<name> for mint, s_machfunc_d_<name> for mreal.
  *
  * Each does for its argument what the catalogue's scalar kernel of the same function does
- * (machine_functions.h), flags included. result  written on success only, unless a comment says otherwise;
- * mint * where the function gives an integer. flags   MACHFUNC_CHECK_INTEGER for integer arguments and
- * integer results, MACHFUNC_CHECK_FP for the others. returns 0, or 1 on failure. Threads: any. A
- * floating-point function may raise the exception flags of the calling thread. */
+ * (machine_functions.h), flags included.
+ *  result   written on success only, unless a comment says otherwise; mint * where the function gives an
+ *           integer.
+ *  flags    MACHFUNC_CHECK_INTEGER for integer arguments and integer results, MACHFUNC_CHECK_FP for the others.
+ *  returns  0, or 1 on failure.
+ * Threads: any. A floating-point function may raise the exception flags of the calling thread. */
 #ifndef VELORIM_SCALAR_FUNCTIONS_H
 #define VELORIM_SCALAR_FUNCTIONS_H
 
@@ -13,12 +15,11 @@
 VLM_BEGIN_DECLS
 
 /** Fibonacci numbers F(0) = 0, F(1) = 1, ... F(93), and Lucas numbers L(0) = 2, L(1) = 1, ... L(92); the last
- * ones use the full unsigned width. */
+ *  ones use the full unsigned width. */
 extern const uint64_t fibonacci_table[94];
 extern const uint64_t lucasl_table[93];
 
-/** Sine and cosine of one angle in radians, the values of s_machfunc_d_sin and s_machfunc_d_cos. Returns 0.
- */
+/** Sine and cosine of one angle in radians, the values of s_machfunc_d_sin and s_machfunc_d_cos. Returns 0. */
 int32_t SinCos(mreal* sine, mreal* cosine, mreal x) VLM_NOEXCEPT;
 /** Hyperbolic sine and cosine of x under flags. Returns 0, or 1 with nothing stored if either fails. */
 int32_t SinhCosh(mreal* sinh_, mreal* cosh_, uint32_t flags, mreal x) VLM_NOEXCEPT;

@@ -2,9 +2,9 @@
 #ifndef VELORIM_STATUS_H
 #define VELORIM_STATUS_H
 
-/** Codes of compiled code: the argument of throwVelorimException, the code of a CompilerError, and how
- * kernels classify a failure among themselves. Codes 47 to 96 are reserved. VelorimErrorName-style texts are
- * the enumerator's name in lower case without its prefix, such as "integer_overflow". */
+/** Codes of compiled code: the argument of throwVelorimException, the code of a CompilerError, and how kernels
+ *  classify a failure among themselves. Codes 47 to 96 are reserved. The text of a code is the enumerator's
+ *  name without its prefix, such as "integer_overflow". */
 typedef enum VelorimError {
   VelorimError_success = 0,
   VelorimError_integer_overflow = 1,

@@ -1,30 +1,30 @@
 // How a machine function is defined. Each function is one struct, in the header of its family:
 //
 //   struct Square {
-//     static constexpr int32_t number = 56;               // its number, part of the interface
+//     static constexpr int32_t number = 56;            // its number, part of the interface
 //     static constexpr char name[] = "square";
-//     static constexpr char return_range[] = "IRC";        // what ReturnRangeType1 answers, see below
-//     struct on_integers { ... };                          // absent where the class has no row
+//     static constexpr char return_range[] = "IRC";    // what ReturnRangeType1 answers, see below
+//     struct on_integers { ... };                      // absent where the class has no row
 //     struct on_reals { ... };
 //   };
 //
 // A class gives
-//   value(x)      the result for one element, as a template over the element type. A result of type mint
-//   makes an Integer64
-//                 row, any other a row of the argument's own type. Integer arithmetic wraps at the element
-//                 width.
-//   obeys         which check it obeys:
-//                   plain    it never fails element by element;
-//                   checked  the failure is looked for only when the flags ask for it;
-//                   always   the failure is detected whatever the flags.
-//   failure(x)    for integers and for mint results: the code of the failure for the argument, success if
-//   there is none.
-//                 Real results need none: the result check (finite_or_zero) is the one failure they know.
-//   range<T>()    for real results with a register form: the ordinary range. Inside it value() may be called
-//   on a register of
-//                 lanes: no lane needs special care, and the scalar form raises none of the three flags that
-//                 count. Lanes outside are recomputed one by one. A class without range() is computed element
-//                 by element.
+//   value(x)     the result for one element, as a template over the element type. A result of type mint makes
+//                an Integer64 row, any other a row of the argument's own type. Integer arithmetic wraps at the
+//                element width.
+//   obeys        which check it obeys:
+//                  plain    it never fails element by element;
+//                  checked  the failure is looked for only when the flags ask for it;
+//                  always   the failure is detected whatever the flags.
+//   failure(x)   for integers and for mint results: the code of the failure for the argument, or success. Real
+//                results need none: the result check is the one failure that they know.
+//   range<T>()   for real results with a register form: the ordinary range. Inside it value() may be called on
+//                a register of lanes: no lane needs special care, and the scalar form raises none of the three
+//                flags that count. Lanes outside are recomputed one by one. A class without range() is computed
+//                element by element, unless it says
+//   register_arithmetic = true    value() is plain arithmetic that raises the right flags on registers too;
+//   copies_bits = true            ... and only moves or flips bits, so that Real16 needs no arithmetic for it;
+//   ignores_argument = true       value() does not look at its argument.
 // From this one definition come the scalar kernel, the vector kernel, the catalogue row and the exported
 // scalar entry.
 //

@@ -2,10 +2,9 @@
 // (result and source the same elements); other overlap is the frame's business.
 //
 //   plain_run     every element is written, without element checks; a function that fails whatever the flags
-//   stops at its
-//                 first failure.
+//                 stops at its first failure.
 //   element_run   stops at the first element that fails its check; that element and all behind it stay as
-//   they were.
+//                 they were.
 //
 // Both return 0 or the 1-based position of the failing element. Checks are made on blocks: a block is clean
 // or is gone through again element by element, which costs clean data nearly nothing and keeps the reported

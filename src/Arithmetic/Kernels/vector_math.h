@@ -3,12 +3,11 @@
 //
 // Each has one form for its ordinary range, the same for one lane and for many, and one for every other
 // argument:
-//   inside the range  the library's own body (elementary/) or a deterministic form of SLEEF, which gives the
-//   same bits on any
-//                     register width; both stay within 1.0 ulp;
-//   outside           the C library's function, which knows every special case and raises exactly the flags
-//   it should. Where
-//                     that one is less accurate than 1.0 ulp the next wider type is evaluated and rounded.
+//   inside the range  the library's own body (elementary/), where that is faster, or a deterministic form of
+//                     SLEEF, which gives the same bits on any register width; both stay within 1.0 ulp;
+//   outside           the C library's function, which knows every special case and raises exactly the flags it
+//                     should. Where that one is less accurate than 1.0 ulp the next wider type is evaluated and
+//                     rounded.
 // On a number the choice is made here, with the stray flags of the first form set aside. On a register the
 // caller makes sure that all lanes that it keeps are inside range<T>(), and sets the flags aside once for a
 // whole run (runs.h).
