@@ -243,7 +243,9 @@ struct tan {
       return library::body(x);
     }
   }
-  template <class T> static T outside(T x) { return std::tan(x); }
+  template <class T> static T outside(T x) {
+    return in_wider_type([](auto w) { return std::tan(w); }, x);
+  }
 };
 struct sinh {
   using library = sleef<VELORIM_SLEEF_NAMES(sinh, u10)>;
@@ -387,7 +389,7 @@ struct cbrt {
 struct erf {
   using library = sleef<VELORIM_SLEEF_NAMES(erf, u10)>;
   template <class T> static constexpr ordinary_range range() {
-    return by_type<T>({0, 100, true}, {0, 50, true});
+    return by_type<T>({0x1p-900, 100, true, true}, {0x1p-100, 50, true, true});
   }
   template <class V> static V body(V x) { return library::body(x); }
   template <class T> static T outside(T x) {

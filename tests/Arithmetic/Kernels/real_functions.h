@@ -52,9 +52,10 @@ inline std::vector<entry> all() {
     return r;
   };
   const double big = 1.7e308;
-  const std::vector<interval> everywhere = {{-big, big}, {-1e4, 1e4}, {-20, 20}, {-1, 1}, {-1e-300, 1e-300}};
+  const std::vector<interval> everywhere = {{-big, big}, {-1e4, 1e4},     {-20, 20},
+                                            {-1, 1},     {-1e-37, 1e-37}, {-1e-300, 1e-300}};
   const std::vector<interval> positive = {{0, big}, {0, 20}, {0.5, 2}, {0, 1e-300}};
-  const std::vector<interval> unit = {{-1, 1}, {-0.1, 0.1}, {-1e-300, 1e-300}};
+  const std::vector<interval> unit = {{-1, 1}, {-0.1, 0.1}, {-1e-37, 1e-37}, {-1e-300, 1e-300}};
   const std::vector<interval> beyond_unit = {{1, 20}, {-20, -1}, {1, big}};
   return {
       {1, "sin", f(mpfr_sin), everywhere, 1, 1},
