@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <ostream>
 
 #include "Includes/element_types.h"
 
@@ -16,6 +17,8 @@ struct row {
   char real_failure;           // 'n' none by element, 'c' the result check, 'r' range check, 'a' always
   const char* range;  // ReturnRangeType1 for Integer, Real, Complex: I R C, B boolean, = same, - none
 };
+
+inline void PrintTo(const row& r, std::ostream* out) { *out << r.name; }
 
 inline constexpr row rows[] = {
     {1, "sin", '-', '=', 'n', 'n', "-RC"},           {2, "cos", '-', '=', 'n', 'n', "-RC"},

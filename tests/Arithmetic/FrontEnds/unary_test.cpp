@@ -150,6 +150,8 @@ struct front_end {
   int32_t (*apply)(int32_t number, const MNumericArray* source, bool integer_result, MNumericArray** result,
                    uint32_t flags);
 };
+void PrintTo(const front_end& f, std::ostream* out) { *out << f.name; }
+
 const front_end front_ends[] = {
     {"tensor",
      [](int32_t number, const MNumericArray* source, bool integer_result, MNumericArray** result,

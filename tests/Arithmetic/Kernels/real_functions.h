@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <ostream>
 #include <vector>
 
 #include "Includes/element_types.h"
@@ -25,6 +26,8 @@ struct entry {
   double most32 = 0;            // Real32 arguments keep to this magnitude and above the next; 0 for no limit
   double least32 = 0;
 };
+
+inline void PrintTo(const entry& e, std::ostream* out) { *out << e.name; }
 
 /// The terms p = golden^x and q = cos(pi x) / p of the real Fibonacci and Lucas numbers, with the constants of T
 /// and the argument of the cosine rounded to T, both as they are defined.
