@@ -42,7 +42,7 @@ struct Csch {
   static constexpr char return_range[] = "-RC";
   struct on_reals : checked_real {
     template <class T> static constexpr ordinary_range range() {
-      return above_subnormals<T>(vm::sinh.range<T>());
+      return of_reciprocal<T>(vm::sinh.range<T>());
     }
     template <class V> static V value(V x) {
       if constexpr (!is_register<V>) {
@@ -77,7 +77,7 @@ struct Coth {
   static constexpr char return_range[] = "-RC";
   struct on_reals : checked_real {
     template <class T> static constexpr ordinary_range range() {
-      return above_subnormals<T>(vm::tanh.range<T>());
+      return of_reciprocal<T>(vm::tanh.range<T>());
     }
     template <class V> static V value(V x) { return broadcast<V>(1) / vm::tanh(x); }
   };
@@ -110,7 +110,7 @@ struct Acsch {
   static constexpr char return_range[] = "-RC";
   struct on_reals : checked_real {
     template <class T> static constexpr ordinary_range range() {
-      return {2 / vm::asinh.range<T>().high, std::numeric_limits<T>::max() / 8, true};
+      return with_reciprocal_in<T>(vm::asinh.range<T>());
     }
     template <class V> static V value(V x) { return vm::asinh(broadcast<V>(1) / x); }
   };
@@ -134,9 +134,8 @@ struct Acoth {
   static constexpr char return_range[] = "-CC";
   struct on_reals : checked_real {
     template <class T> static constexpr ordinary_range range() {
-      constexpr double least = vm::atanh.range<T>().low, most = std::numeric_limits<T>::max() / 8;
       return {1 + 2 * static_cast<double>(std::numeric_limits<T>::epsilon()),
-              least * most > 1 ? 1 / least : most, true};
+              with_reciprocal_in<T>(vm::atanh.range<T>()).high, true};
     }
     template <class V> static V value(V x) { return vm::atanh(broadcast<V>(1) / x); }
   };

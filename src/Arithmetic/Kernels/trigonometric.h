@@ -1,6 +1,9 @@
 // Circular functions, their inverses, and what is made of them.
 #pragma once
 
+#include <algorithm>
+#include <limits>
+
 #include "Arithmetic/Kernels/definition.h"
 #include "Arithmetic/Kernels/vector_math.h"
 
@@ -27,9 +30,15 @@ struct Tan {
   using on_reals = computed_by<vm::tan, checked_real>;
 };
 
-/// A reciprocal must not overflow inside the range: no argument below the smallest normal number.
-template <class T> constexpr ordinary_range above_subnormals(ordinary_range range) {
-  return {static_cast<double>(std::numeric_limits<T>::min()), range.high, true};
+/// The range of a reciprocal of the function with this one: no zero, and no argument so small that it overflows.
+template <class T> constexpr ordinary_range of_reciprocal(ordinary_range range) {
+  return {std::max(range.low, static_cast<double>(std::numeric_limits<T>::min())), range.high, true};
+}
+
+/// The range in which the reciprocal of x lies in that of an inner function, with a margin for its rounding.
+template <class T> constexpr ordinary_range with_reciprocal_in(ordinary_range inner) {
+  constexpr double most = std::numeric_limits<T>::max() / 8;
+  return {2 / inner.high, inner.low * most > 0.5 ? 0.5 / inner.low : most, true};
 }
 
 struct Csc {
@@ -38,7 +47,7 @@ struct Csc {
   static constexpr char return_range[] = "-RC";
   struct on_reals : checked_real {
     template <class T> static constexpr ordinary_range range() {
-      return above_subnormals<T>(vm::sin.range<T>());
+      return of_reciprocal<T>(vm::sin.range<T>());
     }
     template <class V> static V value(V x) { return broadcast<V>(1) / vm::sin(x); }
   };
@@ -60,7 +69,7 @@ struct Cot {
   static constexpr char return_range[] = "-RC";
   struct on_reals : checked_real {
     template <class T> static constexpr ordinary_range range() {
-      return above_subnormals<T>(vm::tan.range<T>());
+      return of_reciprocal<T>(vm::tan.range<T>());
     }
     template <class V> static V value(V x) { return broadcast<V>(1) / vm::tan(x); }
   };
@@ -117,7 +126,7 @@ struct Acot {
   static constexpr char return_range[] = "-RC";
   struct on_reals : checked_real {
     template <class T> static constexpr ordinary_range range() {
-      return {2 / vm::atan.range<T>().high, vm::atan.range<T>().high, true};
+      return with_reciprocal_in<T>(vm::atan.range<T>());
     }
     /// Pi / 2 at either zero.
     template <class V> static V value(V x) {
@@ -135,7 +144,7 @@ struct Sinc {
   static constexpr char return_range[] = "-RC";
   struct on_reals : checked_real {
     template <class T> static constexpr ordinary_range range() {
-      return above_subnormals<T>(vm::sin.range<T>());
+      return of_reciprocal<T>(vm::sin.range<T>());
     }
     template <class V> static V value(V x) {
       if constexpr (!is_register<V>) {

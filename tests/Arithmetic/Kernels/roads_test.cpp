@@ -7,8 +7,12 @@
 // kernel does not, or swallows one (a register form's stray flags, special lanes in the middle of ordinary ones).
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cfenv>
+#include <cmath>
 #include <cstring>
+#include <iterator>
+#include <random>
 #include <vector>
 
 #include "Arithmetic/Kernels/sample_values.h"
@@ -23,6 +27,11 @@ using sample_values::mixed_values;
 using sample_values::special_values;
 using bytes = std::vector<unsigned char>;
 
+#if defined(__SANITIZE_ADDRESS__)
+constexpr mint many = 4096;
+#else
+constexpr mint many = 65536;
+#endif
 constexpr int counted_flags = FE_INVALID | FE_DIVBYZERO | FE_OVERFLOW;
 constexpr uint32_t all_checks = MACHFUNC_CHECK_FP | MACHFUNC_CHECK_INTEGER;
 
@@ -241,6 +250,56 @@ TEST_P(Roads, SameBitsAndFlags) {
   });
   EXPECT_EQ((row.on_integers != '-' ? 8 : 0) + (row.on_reals != '-' ? 3 : 0), ran);
 }
+
+/// Numbers of any bit pattern and, as many again, of sizes that are common: where a form of a function is handed on to the next
+/// one is found by such arguments only.
+template <class T> std::vector<T> any_numbers(mint count) {
+  std::mt19937_64 engine(29);
+  std::vector<T> numbers(static_cast<size_t>(count));
+  for (size_t i = 0; i < numbers.size(); ++i) {
+    const uint64_t bits = engine();
+    if (i % 2 == 0) {
+      std::memcpy(&numbers[i], &bits, sizeof(T));
+    } else {
+      const double significand = 1 + static_cast<double>(bits >> 12) * 0x1p-52;
+      numbers[i] = static_cast<T>(
+          std::ldexp((bits & 1) != 0 ? significand : -significand, static_cast<int>(engine() % 140) - 100));
+    }
+  }
+  return numbers;
+}
+
+template <class T> void many_numbers(const unary_table::row& row) {
+  const std::vector<T> x = any_numbers<T>(many);
+  std::vector<T> together(x.size());
+  const auto vector = MNumericArray_getUnaryVectorMachFunc(row.number, element_code<T>);
+  const auto scalar = MNumericArray_getUnaryScalarMachFunc(row.number, element_code<T>);
+  ASSERT_EQ(0, vector(together.data(), x.data(), many, UnitIncrements, 0));
+  for (size_t i = 0; i < x.size(); ++i) {
+    T alone;
+    ASSERT_EQ(0, scalar(&alone, &x[i], 0));
+    const bool both_nan = std::isnan(alone) && std::isnan(together[i]);
+    ASSERT_TRUE(both_nan || std::memcmp(&alone, &together[i], sizeof(T)) == 0)
+        << std::hexfloat << x[i] << ": " << alone << " alone, " << together[i] << " in a run";
+  }
+}
+
+/// The functions that give reals for reals.
+std::vector<unary_table::row> real_rows() {
+  std::vector<unary_table::row> rows;
+  std::copy_if(std::begin(unary_table::rows), std::end(unary_table::rows), std::back_inserter(rows),
+               [](const unary_table::row& row) { return row.on_reals == '='; });
+  return rows;
+}
+
+class RealRoads : public testing::TestWithParam<unary_table::row> {};
+
+TEST_P(RealRoads, AnyNumberAloneAndInARun) {
+  many_numbers<double>(GetParam());
+  many_numbers<float>(GetParam());
+}
+INSTANTIATE_TEST_SUITE_P(Functions, RealRoads, testing::ValuesIn(real_rows()),
+                         [](const auto& row) { return std::string(row.param.name); });
 INSTANTIATE_TEST_SUITE_P(Functions, Roads, testing::ValuesIn(unary_table::rows),
                          [](const auto& row) { return std::string(row.param.name); });
 
