@@ -148,7 +148,9 @@ mint vfun1_run(const kernel& k, void* result, const void* source, mint count, co
 
   const loop body(k, mode == check_mode::element ? k.element : k.plain, steps);
   const parallel::length_pair lengths = parallel::lengths(parallel::family::unary);
-  if ((k.same_type && result == source) || !parallel::use_team(count, lengths.threshold)) {
+  // In place on one thread; and results that all land on one element, so that the last one stays.
+  const bool one_thread = (k.same_type && result == source) || steps[0] == 0;
+  if (one_thread || !parallel::use_team(count, lengths.threshold)) {
     return judged(body, mode, r, x, count);
   }
   return parallel::smallest_failure(

@@ -71,18 +71,6 @@ template <const auto& Function, class Checked> struct computed_by : Checked {
   template <class V> static V value(V x) { return Function(x); }
 };
 
-/// The value test of every real result: not a NaN and not an infinity. By the exponent bits, so that it
-/// raises nothing.
-template <class T> constexpr bool is_finite_value(T y) {
-  if constexpr (std::is_same_v<T, real16>) {
-    return (y.bits & 0x7c00) != 0x7c00;
-  } else if constexpr (std::is_same_v<T, float>) {
-    return (std::bit_cast<uint32_t>(y) & 0x7f800000u) != 0x7f800000u;
-  } else {
-    return (std::bit_cast<uint64_t>(y) & 0x7ff0000000000000u) != 0x7ff0000000000000u;
-  }
-}
-
 /// A list of functions; each family header ends with its own.
 template <class... F> struct function_list {};
 

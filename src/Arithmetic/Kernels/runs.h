@@ -18,6 +18,7 @@
 
 #include "Arithmetic/Kernels/definition.h"
 #include "Includes/fp_environment.h"
+#include "Includes/vlm_fp_exception.h"
 
 #if defined(__clang__)
 #define VELORIM_INDEPENDENT _Pragma("clang loop vectorize(assume_safety)")
@@ -100,14 +101,12 @@ template <class F, class T> inline VelorimError argument_failure(T x) {
 
 /// The result check of one value.
 template <class T> inline VelorimError result_failure(T y) {
-  if (is_finite_value(y)) return VelorimError_success;
-  constexpr auto infinity = std::is_same_v<T, double>  ? 0x7ff0000000000000u
-                            : std::is_same_v<T, float> ? 0x7f800000u
-                                                       : 0x7c00u;
-  using bits =
-      std::conditional_t<sizeof(T) == 8, uint64_t, std::conditional_t<sizeof(T) == 4, uint32_t, uint16_t>>;
-  const auto magnitude_bits = std::bit_cast<bits>(y) & static_cast<bits>(~(bits{1} << (8 * sizeof(T) - 1)));
-  return magnitude_bits == infinity ? VelorimError_floating_point_infinite : VelorimError_floating_point_nan;
+  if (!is_fp_exception(y)) return VelorimError_success;
+  using format = fp_format<T>;
+  const auto bits = std::bit_cast<typename format::bits>(y);
+  const bool infinite = static_cast<typename format::bits>(bits << 1) ==
+                        static_cast<typename format::bits>(format::exponent << 1);
+  return infinite ? VelorimError_floating_point_infinite : VelorimError_floating_point_nan;
 }
 
 /// One element with its check on: the scalar kernel. On failure nothing is written.
@@ -216,15 +215,6 @@ template <class F, class T> mint argument_checked_run(result_of<F, T>* result, c
   return 0;
 }
 
-/// Whether every value of a block passes the result check.
-template <class T> bool all_finite(const T* y, mint n) {
-  using bits =
-      std::conditional_t<sizeof(T) == 8, uint64_t, std::conditional_t<sizeof(T) == 4, uint32_t, uint16_t>>;
-  bits bad = 0;
-  for (mint i = 0; i < n; ++i) bad |= static_cast<bits>(!is_finite_value(y[i]));
-  return bad == 0;
-}
-
 /// Checks that look at the result: a block is computed aside and copied out if it is clean. In a block that
 /// is not, what stands before the first failing value is stored.
 template <class F, class T> mint result_checked_run(T* result, const T* source, mint n) {
@@ -233,8 +223,8 @@ template <class F, class T> mint result_checked_run(T* result, const T* source, 
     const mint length = std::min(block_length, n - first);
     values<F>(block, source + first, length);
     mint clean = length;
-    if (!all_finite(block, length)) [[unlikely]] {
-      clean = std::find_if_not(block, block + length, [](T y) { return is_finite_value(y); }) - block;
+    if (any_fp_exception(block, length)) [[unlikely]] {
+      clean = std::find_if(block, block + length, [](T y) { return is_fp_exception(y); }) - block;
     }
     std::memcpy(result + first, block, static_cast<size_t>(clean) * sizeof(T));
     if (clean < length) return first + clean + 1;
