@@ -75,12 +75,7 @@ struct Coth {
   static constexpr int32_t number = 15;
   static constexpr char name[] = "coth";
   static constexpr char return_range[] = "-RC";
-  struct on_reals : checked_real {
-    template <class T> static constexpr ordinary_range range() {
-      return of_reciprocal<T>(vm::tanh.range<T>());
-    }
-    template <class V> static V value(V x) { return broadcast<V>(1) / vm::tanh(x); }
-  };
+  using on_reals = reciprocal_of<vm::tanh>;
 };
 
 struct Asinh {

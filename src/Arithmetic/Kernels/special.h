@@ -43,22 +43,26 @@ template <class T> struct golden_terms {
         q(vm::cos(static_cast<T>(3.141592653589793) * x) / p) {}
 };
 
+/// The integer class of a sequence a(n) of a table that runs on to negative n with alternating signs: a(-n) is -a(n) where n is
+/// odd (odd_negated) or where n is even.
+template <const auto& table, bool odd_negated> struct sequence_on_integers {
+  static constexpr check obeys = check::always;
+  template <class T> static constexpr int limit = last_fitting<T>(table);
+  template <class T> static constexpr T value(T x) {
+    const auto n = unsigned_magnitude(x);
+    const T a = static_cast<T>(table[n < table.size() ? n : 0]);
+    return x < 0 && (n % 2 == 1) == odd_negated ? wrapping_minus(a) : a;
+  }
+  template <class T> static constexpr VelorimError failure(T x) {
+    return unsigned_magnitude(x) > limit<T> ? VelorimError_integer_overflow : VelorimError_success;
+  }
+};
+
 struct Fibonacci {
   static constexpr int32_t number = 68;
   static constexpr char name[] = "fibonacci";
   static constexpr char return_range[] = "IRC";
-  struct on_integers {
-    static constexpr check obeys = check::always;
-    template <class T> static constexpr int limit = last_fitting<T>(fibonacci_numbers);
-    template <class T> static constexpr T value(T x) {
-      const auto n = unsigned_magnitude(x);
-      const T f = static_cast<T>(fibonacci_numbers[n < 94 ? n : 0]);
-      return x < 0 && n % 2 == 0 ? wrapping_minus(f) : f;
-    }
-    template <class T> static constexpr VelorimError failure(T x) {
-      return unsigned_magnitude(x) > limit<T> ? VelorimError_integer_overflow : VelorimError_success;
-    }
-  };
+  using on_integers = sequence_on_integers<fibonacci_numbers, false>;
   /// (golden^x - cos(pi x) / golden^x) / sqrt(5).
   struct on_reals : checked_real {
     template <class T> static T value(T x) {
@@ -72,18 +76,7 @@ struct LucasL {
   static constexpr int32_t number = 69;
   static constexpr char name[] = "lucasl";
   static constexpr char return_range[] = "IRC";
-  struct on_integers {
-    static constexpr check obeys = check::always;
-    template <class T> static constexpr int limit = last_fitting<T>(lucas_numbers);
-    template <class T> static constexpr T value(T x) {
-      const auto n = unsigned_magnitude(x);
-      const T l = static_cast<T>(lucas_numbers[n < 93 ? n : 0]);
-      return x < 0 && n % 2 == 1 ? wrapping_minus(l) : l;
-    }
-    template <class T> static constexpr VelorimError failure(T x) {
-      return unsigned_magnitude(x) > limit<T> ? VelorimError_integer_overflow : VelorimError_success;
-    }
-  };
+  using on_integers = sequence_on_integers<lucas_numbers, true>;
   /// golden^x + cos(pi x) / golden^x.
   struct on_reals : checked_real {
     template <class T> static T value(T x) {

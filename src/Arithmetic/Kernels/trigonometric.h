@@ -35,6 +35,14 @@ template <class T> constexpr ordinary_range of_reciprocal(ordinary_range range) 
   return {std::max(range.low, static_cast<double>(std::numeric_limits<T>::min())), range.high, true};
 }
 
+/// The real class of the reciprocal of an elementary function.
+template <const auto& Function> struct reciprocal_of : checked_real {
+  template <class T> static constexpr ordinary_range range() {
+    return of_reciprocal<T>(Function.template range<T>());
+  }
+  template <class V> static V value(V x) { return broadcast<V>(1) / Function(x); }
+};
+
 /// The range in which the reciprocal of x lies in that of an inner function, with a margin for its rounding.
 template <class T> constexpr ordinary_range with_reciprocal_in(ordinary_range inner) {
   constexpr double most = std::numeric_limits<T>::max() / 8;
@@ -45,12 +53,7 @@ struct Csc {
   static constexpr int32_t number = 5;
   static constexpr char name[] = "csc";
   static constexpr char return_range[] = "-RC";
-  struct on_reals : checked_real {
-    template <class T> static constexpr ordinary_range range() {
-      return of_reciprocal<T>(vm::sin.range<T>());
-    }
-    template <class V> static V value(V x) { return broadcast<V>(1) / vm::sin(x); }
-  };
+  using on_reals = reciprocal_of<vm::sin>;
 };
 
 struct Sec {
@@ -67,12 +70,7 @@ struct Cot {
   static constexpr int32_t number = 7;
   static constexpr char name[] = "cot";
   static constexpr char return_range[] = "-RC";
-  struct on_reals : checked_real {
-    template <class T> static constexpr ordinary_range range() {
-      return of_reciprocal<T>(vm::tan.range<T>());
-    }
-    template <class V> static V value(V x) { return broadcast<V>(1) / vm::tan(x); }
-  };
+  using on_reals = reciprocal_of<vm::tan>;
 };
 
 struct Asin {
