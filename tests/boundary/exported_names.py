@@ -17,9 +17,11 @@ SIZES = {name: 32 for name in (
     "UnitRYZIncrements UnitYZIncrements UnitXYZIncrements").split()}
 SIZES.update({name: 8 for name in (
     "system_memory system_allocation_limit dInfinity MachinePrecision MachineOverflow log2ten logten logtwo "
-    "EqualTolerance SameQTolerance HashTolerance").split()})
+    "EqualTolerance SameQTolerance HashTolerance "
+    "HashTableGrowLoadFactor HashTableShrinkLoadFactor HashArrayLengthThreshold HashByteLengthThreshold "
+    "default_hash_fun").split()})
 SIZES.update({
-    "watch": 4, "watch1": 4, "ListableCompileEvaluatingThreaded": 4,
+    "trackTensorMemory": 4, "watch": 4, "watch1": 4, "ListableCompileEvaluatingThreaded": 4,
     "MNumericArray_typeSizeTable": 14 * 8, "MTensorToMNumericArrayType": 5 * 4,
     "MNumericArrayToMTensorType": 14 * 4, "CompilerTypeSizeTable": 6 * 8,
     "fibonacci_table": 94 * 8, "lucasl_table": 93 * 8,
