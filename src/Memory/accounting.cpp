@@ -121,6 +121,7 @@ void RecordCUDDMemory(uint64_t total) noexcept {
   heap_accounts& heap = accounts();
   const uint64_t last = outside_total.exchange(total, std::memory_order_relaxed);
   heap.in_use.add(total - last);
+  heap.outside += total - last;
   if (total <= last) return;
   heap.peak.raise_to(heap.in_use.get());
   const uint64_t limit = heap.limit.get();

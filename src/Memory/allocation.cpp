@@ -2,7 +2,7 @@
 #include <cstring>
 
 #include "Memory/accounting.h"
-#include "Memory/block_engine.h"
+#include "Memory/blocks.h"
 #include "Memory/failure_injection.h"
 #include "Memory/size_classes.h"
 #include "velorim/memory.h"
@@ -20,24 +20,39 @@ namespace {
   return nullptr;
 }
 
+/// Every request, step by step.
+[[gnu::noinline]] void* allocate(uint64_t size, bool aligned, int32_t fail_mode) {
+  if (size == 0) return nullptr;
+  ThreadHeap* heap = heap_of_thread();
+  if (heap == nullptr) heap = make_heap();
+  const uint64_t rounded = rounded_request(size, aligned);
+  if (heap == nullptr || rounded < size) return allocation_failed(heap, size, fail_mode);
+  if (heap->limit.get() != 0 && passes_limit(*heap, rounded) && fail_mode == FailNull) return nullptr;
+  void* const block = allocation_must_fail(fail_mode) ? nullptr : take_block(*heap, rounded, aligned);
+  if (block == nullptr) return allocation_failed(heap, size, fail_mode);
+  heap->peak.raise_to(heap->in_use.get());
+  return block;
+}
+
 }  // namespace
 }  // namespace vlm::memory
 
 void* zalloc(uint64_t size, int32_t aligned, int32_t failMode) noexcept {
   using namespace vlm::memory;
-  if (size == 0) return nullptr;
-  heap_accounts* const heap = current_heap();
-  const uint64_t rounded = rounded_request(size, aligned != 0);
-  if (heap == nullptr || rounded < size) [[unlikely]] {
-    return allocation_failed(heap, size, failMode);
+  // The common case: a small block from a chunk that keeps a free block behind it, nothing else to look after.
+  ThreadHeap* const heap = heap_of_thread();
+  if (heap != nullptr && size - 1 < headerless_bytes && heap->limit.get() == 0 && !injection_is_armed())
+      [[likely]] {
+    size_class& c = heap->classes[size_class_of(round_up(size, aligned != 0 ? 16 : 8))];
+    chunk_header* const chunk = c.available;
+    if (chunk != nullptr && chunk->free_count > 1 &&
+        c.remote_chunks.load(std::memory_order_relaxed) == nullptr) [[likely]] {
+      void* const block = pop_block(c, *chunk);
+      heap->peak.raise_to(heap->in_use.get());
+      return block;
+    }
   }
-  if (heap->limit.get() != 0 && passes_limit(*heap, rounded) && failMode == FailNull) return nullptr;
-  void* const block = allocation_must_fail(failMode) ? nullptr : take_block(*heap, rounded, aligned != 0);
-  if (block == nullptr) [[unlikely]] {
-    return allocation_failed(heap, size, failMode);
-  }
-  heap->peak.raise_to(heap->in_use.get());
-  return block;
+  return allocate(size, aligned != 0, failMode);
 }
 
 void zfree(void* pointer) noexcept {

@@ -1,6 +1,6 @@
 // The engine beneath the allocation interface: where blocks come from and how they find their way back. The
 // files above it know requests, failure modes, limits and queries; the engine knows heaps and blocks. This
-// header is all that they share.
+// header and the inline calls of blocks.h are all that they share.
 //
 // A heap belongs to one thread, which alone takes blocks from it and writes its accounts. A block that
 // another thread frees waits in its heap, still counted, until the owner takes it back in a later call that
@@ -38,6 +38,7 @@ struct heap_accounts {
   owner_counter in_use;
   owner_counter peak;
   owner_counter limit;
+  uint64_t outside = 0;  ///< what in_use holds of an outside allocator, modulo 2^64
   int64_t thread_id = 0;
 };
 
@@ -50,13 +51,10 @@ struct pending_bytes {
 /// The calling thread's heap, made with the root if need be; null if the system allocator fails.
 heap_accounts* current_heap();
 
-/// A block for a rounded request (size_classes.h) from the calling thread's heap, counted in in_use; null if
-/// the system has no more or system_allocation_limit forbids it.
-void* take_block(heap_accounts& heap, uint64_t rounded, bool aligned);
-/// Gives back a block of any heap; never makes a heap.
-void give_block(void* block);
 /// The bytes of a block that are its caller's.
 uint64_t usable_bytes(const void* block);
+/// What in_use would be without the heap's record and the headers of its chunks: the blocks alone.
+uint64_t bytes_of_callers(const heap_accounts& heap);
 
 /// The root; null while the allocator is unused.
 HeapRoot* heap_root();

@@ -5,16 +5,23 @@ namespace vlm::memory {
 namespace detail {
 
 constinit std::atomic<bool> injection_armed{false};
+constinit std::atomic<bool> system_injection_armed{false};
 
 namespace {
-constinit std::atomic<int64_t> allocations_to_pass{0};
-}
 
-bool injected_failure() {
-  if (allocations_to_pass.fetch_sub(1, std::memory_order_relaxed) != 0) return false;
-  injection_armed.store(false, std::memory_order_relaxed);
+constinit std::atomic<int64_t> allocations_to_pass{0};
+constinit std::atomic<int64_t> system_requests_to_pass{0};
+
+bool count_down(std::atomic<int64_t>& to_pass, std::atomic<bool>& armed) {
+  if (to_pass.fetch_sub(1, std::memory_order_relaxed) != 0) return false;
+  armed.store(false, std::memory_order_relaxed);
   return true;
 }
+
+}  // namespace
+
+bool injected_failure() { return count_down(allocations_to_pass, injection_armed); }
+bool injected_system_failure() { return count_down(system_requests_to_pass, system_injection_armed); }
 
 }  // namespace detail
 
@@ -24,5 +31,10 @@ void fail_allocation_after(int64_t n) {
 }
 
 bool allocation_failure_pending() { return detail::injection_armed.load(std::memory_order_relaxed); }
+
+void fail_system_memory_after(int64_t n) {
+  detail::system_requests_to_pass.store(n, std::memory_order_relaxed);
+  detail::system_injection_armed.store(n >= 0, std::memory_order_relaxed);
+}
 
 }  // namespace vlm::memory

@@ -14,17 +14,26 @@ void fail_allocation_after(int64_t n);
 /// True while the failure that was asked for has not happened yet.
 bool allocation_failure_pending();
 
+/// The same for the memory that the engine itself asks of the system: chunks, large blocks, levels of the page map.
+void fail_system_memory_after(int64_t n);
+
 namespace detail {
 extern std::atomic<bool> injection_armed;
+extern std::atomic<bool> system_injection_armed;
 bool injected_failure();
+bool injected_system_failure();
 }  // namespace detail
+
+inline bool injection_is_armed() { return detail::injection_armed.load(std::memory_order_relaxed); }
 
 /// Whether the allocation at hand is the one that is to fail.
 inline bool allocation_must_fail(int32_t fail_mode) {
-  if (!detail::injection_armed.load(std::memory_order_relaxed)) [[likely]] {
-    return false;
-  }
-  return fail_mode != 0 && detail::injected_failure();
+  return injection_is_armed() && fail_mode != 0 && detail::injected_failure();
+}
+
+/// Whether the request to the system at hand is the one that is to fail.
+inline bool system_allocation_must_fail() {
+  return detail::system_injection_armed.load(std::memory_order_relaxed) && detail::injected_system_failure();
 }
 
 }  // namespace vlm::memory

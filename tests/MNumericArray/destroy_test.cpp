@@ -60,12 +60,12 @@ TEST_F(Destroy, CountsBelongToTheCallers) {
   EXPECT_EQ(MNumericArray_RefCountDecrement(array), 1);
   EXPECT_EQ(array->refCount, 0);
   array->refCount = 2;
-  const int64_t inUse = MemoryInUse();
+  const int64_t inUse = vlm::test::bytes_of_blocks();
   MTensor_release(array);
-  EXPECT_EQ(MemoryInUse(), inUse);
+  EXPECT_EQ(vlm::test::bytes_of_blocks(), inUse);
   EXPECT_EQ(array->refCount, 1);
   MTensor_release(array);
-  EXPECT_LT(MemoryInUse(), inUse);
+  EXPECT_LT(vlm::test::bytes_of_blocks(), inUse);
   array = make();
   array->refCount = 7;
   MNumericArray_delete(array);

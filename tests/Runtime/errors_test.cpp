@@ -11,6 +11,7 @@
 #include <string>
 #include <thread>
 
+#include "support/allocation_balance.h"
 #include "velorim/memory.h"
 #include "velorim/runtime.h"
 
@@ -62,11 +63,11 @@ class Errors : public testing::Test {
     setExceptionStyle(flag);
     setExceptionActive(0);
     setKernelAbortEnabled(0);
-    in_use_ = MemoryInUse();
+    in_use_ = vlm::test::bytes_of_blocks();
   }
   void TearDown() override {
     expect_state(0, 0, nullptr);
-    EXPECT_EQ(MemoryInUse(), in_use_);
+    EXPECT_EQ(vlm::test::bytes_of_blocks(), in_use_);
     setExceptionStyle(flag);
     DeinitializeRuntimeLibrary(1);
   }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "Runtime/os_thread.h"
+#include "support/allocation_balance.h"
 #include "velorim/array.h"
 #include "velorim/errors.h"
 #include "velorim/memory.h"
@@ -42,11 +43,11 @@ TEST(Lifecycle, EachPhaseDoesItsWorkAndNoMore) {
   EXPECT_GE(getHyperThreadCount(), getProcessorCount());
 
   InitRuntimeLibrary(2);
-  const int64_t before = MemoryInUse();
+  const int64_t before = vlm::test::bytes_of_blocks();
   InitRuntimeLibrary(3);
   InitRuntimeLibrary(5);
   InitRuntimeLibrary(-1);
-  EXPECT_EQ(MemoryInUse(), before);
+  EXPECT_EQ(vlm::test::bytes_of_blocks(), before);
   InitRuntimeLibrary(4);
   ASSERT_NE(getEternalMTensor(), nullptr);
   EXPECT_TRUE(getEternalMTensor()->flags & ArrayFlagEternal);
@@ -132,8 +133,8 @@ TEST(Lifecycle, ManyCyclesLeaveNothingBehind) {
   int64_t fresh = 0;
   for (int cycle = 0; cycle < PTHREAD_KEYS_MAX + 100; ++cycle) {
     InitializeRuntimeLibrary();
-    if (cycle == 0) fresh = MemoryInUse();
-    ASSERT_EQ(MemoryInUse(), fresh) << "cycle " << cycle;
+    if (cycle == 0) fresh = vlm::test::bytes_of_blocks();
+    ASSERT_EQ(vlm::test::bytes_of_blocks(), fresh) << "cycle " << cycle;
     if (cycle % 100 == 0) {
       setParallelThreadNumber(2);
       ReinitializeRuntimeLibrary();

@@ -6,17 +6,24 @@
 #include <cstdint>
 #include <source_location>
 
+#include "Memory/block_engine.h"
 #include "Memory/failure_injection.h"
 #include "velorim/memory.h"
 
 namespace vlm::test {
+
+/// Bytes of the blocks that the calling thread's callers hold: MemoryInUse without what the allocator needs for itself, which a
+/// first allocation of a size may raise for good.
+inline int64_t bytes_of_blocks() {
+  return static_cast<int64_t>(memory::bytes_of_callers(*memory::current_heap()));
+}
 
 /// Fails the test if the calling thread does not hold as many bytes when it goes as when it came.
 class AllocationBalance {
  public:
   explicit AllocationBalance(std::source_location where = std::source_location::current()) : where_(where) {
     CompactifyMemory();
-    start_ = MemoryInUse();
+    start_ = bytes_of_blocks();
   }
   ~AllocationBalance() {
     CompactifyMemory();
@@ -25,7 +32,7 @@ class AllocationBalance {
   AllocationBalance(const AllocationBalance&) = delete;
   AllocationBalance& operator=(const AllocationBalance&) = delete;
 
-  int64_t difference() const { return MemoryInUse() - start_; }
+  int64_t difference() const { return bytes_of_blocks() - start_; }
 
  private:
   std::source_location where_;

@@ -13,6 +13,7 @@
 #include "MNumericArray/Allocate/array_record.h"
 #include "Memory/failure_injection.h"
 #include "Runtime/hooks.h"
+#include "support/allocation_balance.h"
 #include "velorim/array.h"
 #include "velorim/memory.h"
 
@@ -76,12 +77,12 @@ class ArrayTest : public ::testing::Test {
     }();
     ASSERT_TRUE(running);
   }
-  void SetUp() override { before_ = MemoryInUse(); }
+  void SetUp() override { before_ = vlm::test::bytes_of_blocks(); }
   void TearDown() override {
     MCsetlimit(0);
     MC_set_interrupt_fun(nullptr);
     system_allocation_limit = ~uint64_t{0};
-    EXPECT_EQ(MemoryInUse(), before_) << "an operation kept or lost memory";
+    EXPECT_EQ(vlm::test::bytes_of_blocks(), before_) << "an operation kept or lost memory";
   }
 
   /// Runs `attempt`, which says whether it succeeded, with its first allocation failing, then its second and so on until

@@ -1,0 +1,106 @@
+// zalloc and zfree beside the system's malloc and mimalloc: batches on one thread, and blocks that one thread makes and another
+// frees.
+#include <atomic>
+#include <cstdlib>
+#include <memory>
+#include <random>
+#include <thread>
+
+#include "rows.h"
+#include "velorim/velorim.h"
+
+namespace {
+
+struct allocator {
+  void* (*take)(size_t);
+  void (*give)(void*);
+};
+void* take_block(size_t size) { return zalloc(size, 0, FailFatal); }
+constexpr allocator own = {take_block, zfree};
+constexpr allocator system_allocator = {std::malloc, std::free};
+
+using sizes = std::vector<uint32_t>;
+
+sizes mixed(size_t count, uint32_t low, uint32_t high) {
+  std::mt19937 engine(7);
+  std::uniform_int_distribution<uint32_t> distribution(low, high);
+  sizes result(count);
+  for (uint32_t& size : result) size = distribution(engine);
+  return result;
+}
+
+/// Takes a block of each size, writes into it, then gives all back; `repeats` times.
+void batches(const allocator& a, const sizes& all, int repeats) {
+  static std::vector<void*> blocks;
+  blocks.resize(all.size());
+  for (int k = 0; k < repeats; ++k) {
+    for (size_t i = 0; i < all.size(); ++i) {
+      blocks[i] = a.take(all[i]);
+      *static_cast<char*>(blocks[i]) = 1;
+    }
+    for (void* const block : blocks) a.give(block);
+  }
+}
+
+/// One thread takes, another gives; a ring of slots between them.
+void hand_over(const allocator& a, const sizes& all, int repeats) {
+  constexpr size_t slots = 4096;
+  static std::atomic<void*> ring[slots];
+  const size_t total = all.size() * static_cast<size_t>(repeats);
+  std::thread consumer([&] {
+    for (size_t i = 0; i < total; ++i) {
+      void* block;
+      while ((block = ring[i % slots].load(std::memory_order_acquire)) == nullptr) std::this_thread::yield();
+      ring[i % slots].store(nullptr, std::memory_order_release);
+      a.give(block);
+    }
+  });
+  for (size_t i = 0; i < total; ++i) {
+    void* const block = a.take(all[i % all.size()]);
+    *static_cast<char*>(block) = 1;
+    while (ring[i % slots].load(std::memory_order_relaxed) != nullptr) std::this_thread::yield();
+    ring[i % slots].store(block, std::memory_order_release);
+  }
+  consumer.join();
+}
+
+std::vector<peers::row> rows() {
+  using work = void (*)(const allocator&, const sizes&, int);
+  std::vector<peers::row> all;
+  static const allocator mimalloc = {
+      reinterpret_cast<void* (*)(size_t)>(peers::symbol_of("libmimalloc.so.2", "mi_malloc")),
+      reinterpret_cast<void (*)(void*)>(peers::symbol_of("libmimalloc.so.2", "mi_free"))};
+  const auto add = [&](const std::string& name, work w, const sizes& s, int repeats, const char* peer_name,
+                       const allocator& peer, double bar) {
+    if (peer.take == nullptr) return;
+    all.push_back({name,
+                   peer_name,
+                   [=] { w(own, s, repeats); },
+                   [=] { w(peer, s, repeats); },
+                   {},
+                   peers::bar_kind::time_at_most,
+                   bar,
+                   static_cast<double>(s.size()) * repeats,
+                   "G blocks/s"});
+  };
+  for (const uint32_t size : {16u, 64u, 256u, 1024u}) {
+    const std::string name = "zalloc + zfree, " + std::to_string(size) + " bytes, batches of 1000";
+    add(name, batches, sizes(1000, size), 200, "mimalloc", mimalloc, 1.2);
+    add(name, batches, sizes(1000, size), 200, "malloc", system_allocator, 0.5);
+  }
+  add("zalloc + zfree, 16 to 1024 bytes, batches of 1000", batches, mixed(1000, 16, 1024), 200, "mimalloc",
+      mimalloc, 1.2);
+  add("zalloc + zfree, 16 to 1024 bytes, batches of 1000", batches, mixed(1000, 16, 1024), 200, "malloc",
+      system_allocator, 0.5);
+  add("zalloc + zfree, 1 to 64 KiB, batches of 1000", batches, mixed(1000, 1025, 65536), 20, "malloc",
+      system_allocator, 0.5);
+  add("zalloc + zfree, 16 bytes to 64 KiB, batches of 1000", batches, mixed(1000, 16, 65536), 20, "malloc",
+      system_allocator, 0.5);
+  add("taken on one thread, freed on another, 8 to 1024 bytes", hand_over, mixed(1000, 8, 1024), 300,
+      "mimalloc", mimalloc, 1.5);
+  return all;
+}
+
+const peers::registered_group group("allocator", rows);
+
+}  // namespace

@@ -1,0 +1,192 @@
+// The life of a chunk: made, filled, emptied, kept as the spare or given back; and the blocks that come back from other threads.
+#include "Memory/chunks.h"
+
+#include <algorithm>
+#include <new>
+
+#include "Includes/assertion.h"
+#include "Memory/chunk_memory.h"
+
+namespace vlm::memory {
+namespace {
+
+void link_at_head(chunk_header*& list, chunk_header& chunk) {
+  chunk.previous = nullptr;
+  chunk.next = list;
+  if (list != nullptr) list->previous = &chunk;
+  list = &chunk;
+}
+
+void unlink(chunk_header*& list, chunk_header& chunk) {
+  (chunk.previous != nullptr ? chunk.previous->next : list) = chunk.next;
+  if (chunk.next != nullptr) chunk.next->previous = chunk.previous;
+  chunk.previous = chunk.next = nullptr;
+}
+
+bool is_header_class(const size_class& c) { return &c == c.owner->classes; }
+
+/// Threads the blocks in the order of their addresses.
+void thread_blocks(const size_class& c, chunk_header& chunk) {
+  char* const first = static_cast<char*>(chunk.memory);
+  for (uint64_t i = 0; i < c.blocks_per_chunk; ++i) {
+    const bool last = i + 1 == c.blocks_per_chunk;
+    free_block* const block = reinterpret_cast<free_block*>(first + i * c.block_bytes);
+    block->next = last ? nullptr : reinterpret_cast<free_block*>(first + (i + 1) * c.block_bytes);
+  }
+  chunk.free_list = reinterpret_cast<free_block*>(first);
+  chunk.free_count = c.blocks_per_chunk;
+  shadow::forbid(first, c.usable_bytes);
+}
+
+void give_header_back(chunk_header* header) {
+  chunk_header* const home = pages.find(header);
+  free_class_block(*home->owner_class, *home, header);
+}
+
+/// A new chunk with all of its blocks free, on no list; null if the system has no more.
+chunk_header* make_chunk(size_class& c) {
+  void* header = nullptr;
+  if (!is_header_class(c)) {
+    header = take_class_block(c.owner->headers()).block;
+    if (header == nullptr) return nullptr;
+  }
+  void* const memory = take_chunk_memory(c);
+  if (memory == nullptr) {
+    if (header != nullptr) give_header_back(static_cast<chunk_header*>(header));
+    return nullptr;
+  }
+  if (header == nullptr) header = memory;
+  chunk_header* const chunk = new (header) chunk_header{};
+  chunk->owner_class = &c;
+  chunk->remote_next = chunk;
+  chunk->memory = is_header_class(c) ? chunk + 1 : memory;
+  if (c.chunk_pages != 0 && !pages.insert(memory, c.chunk_pages, chunk)) {
+    give_chunk_memory(c, memory);
+    if (header != memory) give_header_back(chunk);
+    return nullptr;
+  }
+  thread_blocks(c, *chunk);
+  return chunk;
+}
+
+/// The end of a chunk that is on no list.
+void release_chunk(size_class& c, chunk_header& chunk) {
+  void* const memory = is_header_class(c) ? &chunk : chunk.memory;
+  if (c.chunk_pages != 0) pages.erase(memory, c.chunk_pages);
+  give_chunk_memory(c, memory);
+  if (memory != &chunk) give_header_back(&chunk);
+}
+
+void release_list(size_class& c, chunk_header*& list) {
+  while (list != nullptr) {
+    chunk_header& chunk = *list;
+    unlink(list, chunk);
+    --c.chunks;
+    c.owner->in_use.subtract((c.blocks_per_chunk - chunk.free_count) * c.block_bytes);
+    release_chunk(c, chunk);
+  }
+}
+
+}  // namespace
+
+void set_up_classes(ThreadHeap& heap) {
+  const uint64_t pages_per_chunk = read_page_info().pages_per_chunk;
+  for (int i = 0; i < size_class_count; ++i) {
+    size_class& c = heap.classes[i];
+    c.owner = &heap;
+    c.block_bytes = i == 0 ? chunk_header_bytes : class_block_bytes[i];
+    const bool mapped = c.block_bytes <= headerless_bytes;
+    c.blocks_per_chunk = i == 0 ? (mapped_chunk_bytes - chunk_header_bytes) / chunk_header_bytes
+                                : std::max<uint64_t>(mapped_chunk_bytes / c.block_bytes, 4);
+    c.usable_bytes = c.blocks_per_chunk * c.block_bytes;
+    c.chunk_bytes = mapped ? mapped_chunk_bytes : c.usable_bytes;
+    c.chunk_pages = mapped ? pages_per_chunk : 0;
+  }
+}
+
+chunk_header* more_blocks(size_class& c) {
+  chunk_header* chunk = c.spare;
+  if (chunk != nullptr) {
+    c.spare = nullptr;
+  } else {
+    chunk = make_chunk(c);
+    if (chunk == nullptr) return nullptr;
+  }
+  link_at_head(c.available, *chunk);
+  ++c.chunks;
+  return chunk;
+}
+
+void move_to_full(size_class& c, chunk_header& chunk) {
+  unlink(c.available, chunk);
+  link_at_head(c.full, chunk);
+}
+
+bool chunk_became_usable_or_free(size_class& c, chunk_header& chunk) {
+  if (chunk.free_count == 1) {  // it was full
+    unlink(c.full, chunk);
+    link_at_head(c.available, chunk);
+    return false;
+  }
+  unlink(c.available, chunk);
+  --c.chunks;
+  if (c.spare == nullptr) {
+    c.spare = &chunk;
+  } else {
+    release_chunk(c, chunk);
+  }
+  return true;
+}
+
+void release_spare(size_class& c) {
+  chunk_header* const chunk = c.spare;
+  if (chunk == nullptr) return;
+  c.spare = nullptr;
+  release_chunk(c, *chunk);
+}
+
+void release_all_chunks(size_class& c) {
+  release_spare(c);
+  release_list(c, c.full);
+  release_list(c, c.available);
+}
+
+void drain_remote_locked(size_class& c) {
+  while (chunk_header* const chunk = c.remote_chunks.load(std::memory_order_relaxed)) {
+    c.remote_chunks.store(chunk->remote_next, std::memory_order_relaxed);
+    chunk->remote_next = chunk;
+    free_block* block = chunk->remote_free_list;
+    chunk->remote_free_list = nullptr;
+    [[maybe_unused]] bool chunk_is_free = false;
+    while (block != nullptr) {
+      VELORIM_ASSERT(!chunk_is_free, "an entirely free chunk has no block waiting", "drain_remote_locked");
+      shadow::allow(block, c.block_bytes);
+      free_block* const next = block->next;
+      c.remote_bytes -= c.block_bytes;
+      chunk_is_free = free_class_block(c, *chunk, block);
+      block = next;
+    }
+  }
+}
+
+void drain_remote(size_class& c) {
+  const std::lock_guard guard(c.mutex);
+  drain_remote_locked(c);
+}
+
+bool leave_to_owner(size_class& c, chunk_header& chunk, void* block) {
+  const std::lock_guard guard(c.mutex);
+  if (c.orphaned) return false;
+  free_block* const freed = static_cast<free_block*>(block);
+  freed->next = chunk.remote_free_list;
+  chunk.remote_free_list = freed;
+  shadow::forbid(block, c.block_bytes);
+  c.remote_bytes += c.block_bytes;
+  if (chunk.remote_next == &chunk) {
+    chunk.remote_next = c.remote_chunks.load(std::memory_order_relaxed);
+    c.remote_chunks.store(&chunk, std::memory_order_relaxed);
+  }
+  return true;
+}
+
+}  // namespace vlm::memory

@@ -1,0 +1,112 @@
+// The invariants of heap_records.h as code.
+#include <cstdlib>
+
+#include "Memory/heap_records.h"
+#include "Memory/shadow.h"
+
+namespace vlm::memory {
+namespace {
+
+/// Walks lists that a fault may have closed to a ring; more steps than blocks exist mean that one did.
+class heap_walk {
+ public:
+  explicit heap_walk(ThreadHeap& heap) : heap_(heap) {}
+
+  bool valid() {
+    for (size_class& c : heap_.classes) {
+      if (!class_valid(c)) return false;
+    }
+    if (heap_.headers().remote_bytes != 0 || blocks_of(heap_.headers()) != chunks_) return false;
+    if (!large_blocks_valid()) return false;
+    if (heap_.orphaned && (spares_ != 0 || blocks_in_use_ + large_ == 0)) return false;
+    return heap_.in_use.get() - heap_.outside == bytes_ + sizeof(ThreadHeap);
+  }
+
+ private:
+  enum class place { full, available, spare };
+
+  uint64_t blocks_of(const size_class& c) const {
+    uint64_t free = 0;
+    for (const chunk_header* chunk = c.available; chunk != nullptr; chunk = chunk->next)
+      free += chunk->free_count;
+    return c.chunks * c.blocks_per_chunk - free;
+  }
+
+  bool class_valid(size_class& c) {
+    if (c.owner != &heap_) return false;
+    const uint64_t before = chunks_;
+    if (!list_valid(c, c.full, place::full) || !list_valid(c, c.available, place::available)) return false;
+    if (&c != heap_.classes) {
+      if (chunks_ - before != c.chunks) return false;
+    }
+    if (c.spare != nullptr) {
+      ++spares_;
+      if (!chunk_valid(c, *c.spare, place::spare)) return false;
+    }
+    blocks_in_use_ += blocks_of(c);
+    bytes_ += blocks_of(c) * c.block_bytes;
+    return true;
+  }
+
+  bool list_valid(size_class& c, const chunk_header* first, place where) {
+    const chunk_header* previous = nullptr;
+    uint64_t steps = 0;
+    for (const chunk_header* chunk = first; chunk != nullptr; previous = chunk, chunk = chunk->next) {
+      if (++steps > c.chunks || chunk->previous != previous || !chunk_valid(c, *chunk, where)) return false;
+    }
+    return true;
+  }
+
+  bool chunk_valid(size_class& c, const chunk_header& chunk, place where) {
+    if (&c != heap_.classes) ++chunks_;
+    const uint64_t count = chunk.free_count;
+    const bool count_fits = where == place::full    ? count == 0
+                            : where == place::spare ? count == c.blocks_per_chunk
+                                                    : count > 0 && count < c.blocks_per_chunk;
+    return chunk.owner_class == &c && count_fits && free_list_valid(c, chunk) && pages_valid(c, chunk);
+  }
+
+  static bool free_list_valid(const size_class& c, const chunk_header& chunk) {
+    uint64_t count = 0;
+    const char* const first = static_cast<const char*>(chunk.memory);
+    for (const free_block* block = chunk.free_list; block != nullptr;) {
+      const auto offset = static_cast<uint64_t>(reinterpret_cast<const char*>(block) - first);
+      if (++count > chunk.free_count || offset >= c.usable_bytes || offset % c.block_bytes != 0) return false;
+      shadow::allow(block, sizeof(free_block));
+      const free_block* const next = block->next;
+      shadow::forbid(block, sizeof(free_block));
+      block = next;
+    }
+    return count == chunk.free_count;
+  }
+
+  static bool pages_valid(const size_class& c, const chunk_header& chunk) {
+    const char* const first = static_cast<const char*>(chunk.memory);
+    const chunk_header* const expected = c.chunk_pages != 0 ? &chunk : nullptr;
+    return pages.find(first) == expected && pages.find(first + c.usable_bytes - 1) == expected;
+  }
+
+  bool large_blocks_valid() {
+    const large_block_header* previous = nullptr;
+    for (const large_block_header* block = heap_.large_blocks; block != nullptr; block = block->next) {
+      if (block->previous != previous || block->owner != &heap_ || block->size % 8 != 0) return false;
+      ++large_;
+      bytes_ += block->size;
+      previous = block;
+    }
+    return true;
+  }
+
+  ThreadHeap& heap_;
+  uint64_t chunks_ = 0;  ///< of the classes 1 to 160, spares included
+  uint64_t spares_ = 0;
+  uint64_t blocks_in_use_ = 0;
+  uint64_t large_ = 0;
+  uint64_t bytes_ = 0;
+};
+
+}  // namespace
+
+bool heapIsValid(ThreadHeap& heap) { return heap_walk(heap).valid(); }
+
+}  // namespace vlm::memory

@@ -1,0 +1,77 @@
+// The making and the end of the page map's levels, and its writers.
+#include "Memory/page_map.h"
+
+#include <cstdlib>
+#include <mutex>
+
+#include "Includes/assertion.h"
+#include "Memory/failure_injection.h"
+
+namespace vlm::memory {
+
+constinit page_map pages;
+
+namespace {
+
+/// Taken only to make a level; innermost of all locks of the allocator.
+constinit std::mutex level_lock;
+
+/// The level behind a link, made if it is absent; null if the system allocator fails.
+template <class Level> Level* ensure_level(std::atomic<Level*>& link) {
+  Level* level = link.load(std::memory_order_acquire);
+  if (level != nullptr) return level;
+  const std::lock_guard guard(level_lock);
+  level = link.load(std::memory_order_relaxed);
+  if (level != nullptr || system_allocation_must_fail()) return level;
+  // Zeros are null pointers here, as everywhere the library runs.
+  level = static_cast<Level*>(std::calloc(1, sizeof(Level)));
+  link.store(level, std::memory_order_release);
+  return level;
+}
+
+}  // namespace
+
+bool page_map::create(const page_info& info) {
+  page_shift_ = info.page_shift;
+  top_entries_ = uint64_t{1} << (address_bits - page_shift_ - 2 * level_bits);
+  top_ = static_cast<std::atomic<middle_level*>*>(std::calloc(top_entries_, sizeof *top_));
+  return top_ != nullptr;
+}
+
+void page_map::destroy() {
+  for (uint64_t i = 0; i < top_entries_; ++i) {
+    middle_level* const middle = top_[i].load(std::memory_order_relaxed);
+    if (middle == nullptr) continue;
+    for (auto& leaf : middle->leaves) std::free(leaf.load(std::memory_order_relaxed));
+    std::free(middle);
+  }
+  std::free(top_);
+  top_ = nullptr;
+  top_entries_ = 0;
+}
+
+page_map::leaf_level* page_map::leaf_of(uint64_t page) {
+  middle_level* const middle = ensure_level(top_[page >> (2 * level_bits)]);
+  return middle == nullptr ? nullptr : ensure_level(middle->leaves[page >> level_bits & (level_entries - 1)]);
+}
+
+void page_map::store(const void* memory, uint64_t count, chunk_header* chunk) {
+  const uint64_t first = reinterpret_cast<uintptr_t>(memory) >> page_shift_;
+  for (uint64_t page = first; page < first + count; ++page) {
+    leaf_of(page)->chunks[page & (level_entries - 1)].store(chunk, std::memory_order_relaxed);
+  }
+}
+
+bool page_map::insert(const void* memory, uint64_t count, chunk_header* chunk) {
+  const uint64_t first = reinterpret_cast<uintptr_t>(memory) >> page_shift_;
+  VELORIM_ASSERT((first + count) >> (address_bits - page_shift_) == 0, "addresses have 48 bits",
+                 "page_map::insert");
+  // A chunk lies in two leaves at most.
+  if (leaf_of(first) == nullptr || leaf_of(first + count - 1) == nullptr) return false;
+  store(memory, count, chunk);
+  return true;
+}
+
+void page_map::erase(const void* memory, uint64_t count) { store(memory, count, nullptr); }
+
+}  // namespace vlm::memory
