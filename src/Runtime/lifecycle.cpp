@@ -14,11 +14,11 @@ struct subsystem {
 };
 constexpr subsystem subsystems[] = {
     {"memory", memory_hook},  // first, because every phase 1 after it allocates
-    {"hash settings", nullptr},
+    {"hash settings", hash_settings_hook},
     {"function-call registry", nullptr},
     {"array names and shared scalars", array_names_hook},
     {"sparse settings", nullptr},
-    {"tensor hash seeds", nullptr},  // after the hash settings, whose default hash they are made with
+    {"tensor hash seeds", tensor_hash_hook},  // after the hash settings, whose default hash they are made with
     {"random numbers", nullptr},
     {"parallel settings", parallel_settings_hook},
     {"eternal tensor", eternal_tensor_hook},
@@ -43,6 +43,7 @@ constexpr tear_down_step full_steps[] = {
     // Once more the allocator's hook, the first one registered: the step before may have allocated.
     {"heap of the calling thread", [] { call_thread_stop_hook(1); }},
     {"thread hook lists", free_thread_hook_lists},
+    {"memory check", memory_check_forget},
     {"allocator", memory_tear_down},
 };
 

@@ -7,6 +7,7 @@
 #include "MNumericArray/Allocate/array_record.h"
 #include "MNumericArray/Allocate/shape_argument.h"
 #include "MNumericArray/Allocate/staged_dims.h"
+#include "MNumericArray/MemoryCheck/memory_check.h"
 
 namespace {
 
@@ -62,6 +63,7 @@ bool is_hollow(mint rank, const mint* dims) {
 MNumericArray* MNumericArray_new(void) VLM_NOEXCEPT {
   auto* record = static_cast<MNumericArray*>(zalloc(sizeof(MNumericArray), 0, FailFatal));
   MNumericArray_initialize(record);
+  if (vlm::memory_check_is_on()) TensorMemory_addNew(record);
   return record;
 }
 

@@ -1,5 +1,6 @@
 // The end of arrays, and their reference counts. Every record that ends does so in MNumericArray_delete.
 #include "MNumericArray/Allocate/array_record.h"
+#include "MNumericArray/MemoryCheck/memory_check.h"
 #include "velorim/memory.h"
 
 namespace {
@@ -22,6 +23,7 @@ void MNumericArray_freeMemory(MNumericArray* array) VLM_NOEXCEPT {
 
 void MNumericArray_delete(MNumericArray* array) VLM_NOEXCEPT {
   if (array == nullptr || outlives_deletion(array)) return;
+  if (vlm::memory_check_is_on()) return TensorMemory_free(array);
   MNumericArray_freeMemory(array);
   zfree(array);
 }

@@ -24,6 +24,7 @@ class block_copy {
 
   /// Adds the next inner level.
   void add(mint count, mint target_step, mint source_step);
+  bool is_one_element() const { return depth_ == 0 && !empty_; }
   /// Copies the box that begins at target and source, which must not overlap; on the team if it is large.
   void run(void* target, const void* source, mint element_bytes);
 
