@@ -65,16 +65,17 @@ HashTable* New_HashTable(mint sizeHint, HashTableHash hash, HashTableSet set, Ha
 /** Releases all entries, and the table itself if release is not 0; else it goes back to its initial size. NULL is ignored. */
 void FreeOrEmpty_HashTable(HashTable* table, int32_t release) VLM_NOEXCEPT;
 
-/** The value of the newest entry of the key, 0 if there is none. Without a hash function equal is not called. */
+/** The value of the first entry of the key in its chain, the newest at first, 0 if there is none. Without a hash function equal is not called. */
 int64_t HashTable_GetValue(HashTable* table, int64_t key) VLM_NOEXCEPT;
-/** The newest entry of the key, or NULL. */
+/** The first entry of the key in its chain, or NULL. */
 HashEntry* HashTable_GetUsingFunction(HashTable* table, int64_t key) VLM_NOEXCEPT;
-/** A new entry, whether or not there is one of the key: it hides older ones. The second form stores its value too. */
+/** A new entry, whether or not there is one of the key: it hides older ones, until the table changes its size, which turns the order
+ *  within a chain round. The second form stores its value too. */
 HashEntry* HashTable_Add(HashTable* table, int64_t key) VLM_NOEXCEPT;
 HashEntry* HashTable_AddValue(HashTable* table, int64_t key, int64_t value) VLM_NOEXCEPT;
 /** The entry of the key, made if there is none; *added, if added is not NULL, is then 1, else 0. */
 HashEntry* HashTable_GetOrAdd(HashTable* table, int64_t key, int32_t* added) VLM_NOEXCEPT;
-/** Removes the newest entry of the key.       returns 1; 0 if there is none. */
+/** Removes the first entry of the key.       returns 1; 0 if there is none. */
 int32_t HashTable_RemoveElem(HashTable* table, int64_t key) VLM_NOEXCEPT;
 /** The same by a record, or an entry, with key and hash filled. */
 int32_t HashTable_RemoveCommon(HashTable* table, const void* record) VLM_NOEXCEPT;
@@ -111,7 +112,7 @@ HashEntry* IntegerArrayHashTable_GetOrAdd(IntegerArrayHashTable* table, const mi
                                           int32_t* added) VLM_NOEXCEPT;
 HashEntry* IntegerArrayHashTable_Add(IntegerArrayHashTable* table, const mint* key) VLM_NOEXCEPT;
 HashEntry* IntegerArrayHashTable_Get(IntegerArrayHashTable* table, const mint* key) VLM_NOEXCEPT;
-/** Removes the newest entry with the key of an entry of the table.       returns 1; 0 if there is none. */
+/** Removes the first entry with the key of an entry of the table.       returns 1; 0 if there is none. */
 int32_t IntegerArrayHashTable_Remove(IntegerArrayHashTable* table, HashEntry* entry) VLM_NOEXCEPT;
 mint IntegerArrayHashTable_Length(IntegerArrayHashTable* table) VLM_NOEXCEPT;
 /** HashTable_ByteCount and 32; 0 for NULL. */

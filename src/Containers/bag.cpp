@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "MNumericArray/Parts/part_engine.h"
 #include "velorim/memory.h"
-#include "velorim/parts.h"
 
 namespace {
 
@@ -123,7 +123,7 @@ int32_t MBag_part(void* out, const MBag* bag, PartSpec* spec) VLM_NOEXCEPT {
       status = new_vector(target, static_cast<int32_t>(whole->tensorType), spec->count);
       spec->stride = 1;
       if (status == ArrayStatusOk && spec->count != 0)
-        status = Tensor_select_or_set_part(whole, *target, 1, spec, 1) == 0;
+        status = vlm::move_parts(whole, *target, 1, spec, true) ? 0 : ArrayStatusNoMemory;
       MNumericArray_delete(whole);
       return status;
     }

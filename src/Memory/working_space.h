@@ -55,4 +55,21 @@ template <class T> class working_space {
   uint64_t count_;
 };
 
+/// The same with room for the first N elements in the object itself: short requests take no memory and cannot fail.
+template <class T, uint64_t N> class small_space {
+ public:
+  explicit small_space(uint64_t count, int32_t fail_mode = FailNull) noexcept
+      : more_(count > N ? count : 0, fail_mode) {}
+  small_space(const small_space&) = delete;
+  small_space& operator=(const small_space&) = delete;
+
+  explicit operator bool() const { return static_cast<bool>(more_); }
+  T* data() { return more_.size() != 0 ? more_.data() : own_; }
+  T& operator[](uint64_t index) { return data()[index]; }
+
+ private:
+  T own_[N];
+  working_space<T> more_;
+};
+
 }  // namespace vlm::memory

@@ -105,7 +105,7 @@ bool move_parts(const MTensor* from, MTensor* to, mint n, const PartSpec* specs,
   const MTensor* const walked = selects ? from : to;
   const mint bytes = element_bytes_of(walked);
   if (bytes == 0 || walked->flattenedLength == 0) return true;
-  memory::working_space<mint> steps(static_cast<uint64_t>(n), FailReport);
+  memory::small_space<mint, 8> steps(static_cast<uint64_t>(n), FailReport);
   block_copy box(n + 1);
   if (!steps || !box.ready()) return false;
   const mint block = n > 0 ? specs[n - 1].stride : walked->flattenedLength;

@@ -29,7 +29,7 @@ class block_copy {
   void run(void* target, const void* source, mint element_bytes);
 
  private:
-  memory::working_space<copy_level> levels_;
+  memory::small_space<copy_level, 8> levels_;
   mint depth_ = 0;
   bool empty_ = false;
 };
