@@ -18,7 +18,8 @@ constexpr subsystem subsystems[] = {
     {"function-call registry", nullptr},
     {"array names and shared scalars", array_names_hook},
     {"sparse settings", nullptr},
-    {"tensor hash seeds", tensor_hash_hook},  // after the hash settings, whose default hash they are made with
+    {"tensor hash seeds",
+     tensor_hash_hook},  // after the hash settings, whose default hash they are made with
     {"random numbers", nullptr},
     {"parallel settings", parallel_settings_hook},
     {"eternal tensor", eternal_tensor_hook},

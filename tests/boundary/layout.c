@@ -30,6 +30,84 @@ FIELD(MNumericArray, refCount, 56, 8);
 SIZE(MNumericArray, 64);
 SIZE(MTensor, 64);
 
+FIELD(TensorProperty, precision, 0, 8);
+FIELD(TensorProperty, dims, 8, 8);
+FIELD(TensorProperty, rank, 16, 8);
+FIELD(TensorProperty, tensorType, 24, 4);
+FIELD(TensorProperty, flags, 28, 4);
+SIZE(TensorProperty, 32);
+
+FIELD(PartSpec, kind, 0, 4);
+FIELD(PartSpec, count, 8, 8);
+FIELD(PartSpec, indices, 16, 8);
+FIELD(PartSpec, stride, 24, 8);
+FIELD(PartSpec, position, 32, 8);
+SIZE(PartSpec, 40);
+
+FIELD(PartCheckError, first, 0, 8);
+FIELD(PartCheckError, second, 8, 8);
+FIELD(PartCheckError, report, 16, 8);
+SIZE(PartCheckError, 24);
+
+FIELD(HashKeyRecord, key, 0, 8);
+FIELD(HashKeyRecord, unused, 8, 8);
+FIELD(HashKeyRecord, hash, 16, 8);
+SIZE(HashKeyRecord, 24);
+
+FIELD(HashEntry, key, 0, 8);
+FIELD(HashEntry, value, 8, 8);
+FIELD(HashEntry, hash, 16, 8);
+FIELD(HashEntry, next, 24, 8);
+SIZE(HashEntry, 32);
+
+FIELD(HashTable, buckets, 0, 8);
+FIELD(HashTable, hash, 8, 8);
+FIELD(HashTable, set, 16, 8);
+FIELD(HashTable, equal, 24, 8);
+FIELD(HashTable, init, 32, 8);
+FIELD(HashTable, free, 40, 8);
+FIELD(HashTable, tableFree, 48, 8);
+FIELD(HashTable, initialSize, 56, 8);
+FIELD(HashTable, size, 64, 8);
+FIELD(HashTable, initialIndex, 72, 8);
+FIELD(HashTable, index, 80, 8);
+FIELD(HashTable, count, 88, 8);
+FIELD(HashTable, flags, 96, 4);
+SIZE(HashTable, 104);
+
+FIELD(IntegerArrayHashTable, table, 0, 8);
+FIELD(IntegerArrayHashTable, elements, 8, 8);
+FIELD(IntegerArrayHashTable, mode, 16, 4);
+SIZE(IntegerArrayHashTable, 24);
+
+FIELD(MemoryLinkedList, data, 0, 8);
+FIELD(MemoryLinkedList, next, 8, 8);
+SIZE(MemoryLinkedList, 16);
+
+FIELD(MBag, firstChunk, 0, 8);
+FIELD(MBag, tailLink, 8, 8);
+FIELD(MBag, chunkCount, 16, 8);
+FIELD(MBag, nextFree, 24, 8);
+FIELD(MBag, chunkEnd, 32, 8);
+FIELD(MBag, elementSize, 40, 8);
+FIELD(MBag, chunkBytes, 48, 8);
+FIELD(MBag, elementType, 56, 4);
+SIZE(MBag, 64);
+
+FIELD(MBagArray, capacity, 0, 8);
+FIELD(MBagArray, lastIndex, 8, 8);
+FIELD(MBagArray, bags, 16, 8);
+SIZE(MBagArray, 24);
+
+FIELD(BitVector, bits, 0, 8);
+FIELD(BitVector, length, 8, 8);
+SIZE(BitVector, 16);
+
+CODE(PartKindIndex, 0);
+CODE(PartKindList, 1);
+CODE(PartKindAll, 2);
+CODE(PartKindSpan, 3);
+
 FIELD(CompilerError, type, 0, 4);
 FIELD(CompilerError, code, 4, 4);
 SIZE(CompilerError, 8);
