@@ -48,7 +48,7 @@ std::vector<peers::row> rows() {
   static int64_t ours, theirs;
   const auto equal_sums = [] { return ours == theirs; };
   static const std::vector<char> data(1 << 20, 'x');
-  static volatile uint64_t sink;
+  static uint64_t digest;
   return {{"GetOrAdd of a million keys, a million look-ups", "unordered_map",
            [] { ours = fill_and_find_table(keys, nullptr, nullptr); },
            [] { theirs = fill_and_find_map<std::unordered_map<int64_t, int64_t>>(keys); }, equal_sums,
@@ -59,9 +59,9 @@ std::vector<peers::row> rows() {
            peers::bar_kind::time_at_most, 0.8},
           {"metro_64_hash of 1 MB in cache",
            "",
-           [] { sink = metro_64_hash(data.data(), data.size()); },
+           [] { digest = metro_64_hash(data.data(), data.size()); },
            {},
-           {},
+           [] { return digest != 0; },
            peers::bar_kind::peerless,
            8,
            static_cast<double>(data.size()),
