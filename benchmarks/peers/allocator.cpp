@@ -11,12 +11,16 @@
 
 namespace {
 
+/// Each side is called as a program that is linked with it would.
+struct own_allocator {
+  void* take(size_t size) const { return zalloc(size, 0, FailFatal); }
+  void give(void* block) const { zfree(block); }
+};
 struct allocator {
   void* (*take)(size_t);
   void (*give)(void*);
 };
-void* take_block(size_t size) { return zalloc(size, 0, FailFatal); }
-constexpr allocator own = {take_block, zfree};
+constexpr own_allocator own;
 constexpr allocator system_allocator = {std::malloc, std::free};
 
 using sizes = std::vector<uint32_t>;
@@ -30,7 +34,7 @@ sizes mixed(size_t count, uint32_t low, uint32_t high) {
 }
 
 /// Takes a block of each size, writes into it, then gives all back; `repeats` times.
-void batches(const allocator& a, const sizes& all, int repeats) {
+template <class Allocator> void batches(const Allocator& a, const sizes& all, int repeats) {
   static std::vector<void*> blocks;
   blocks.resize(all.size());
   for (int k = 0; k < repeats; ++k) {
@@ -43,7 +47,7 @@ void batches(const allocator& a, const sizes& all, int repeats) {
 }
 
 /// One thread takes, another gives; a ring of slots between them.
-void hand_over(const allocator& a, const sizes& all, int repeats) {
+template <class Allocator> void hand_over(const Allocator& a, const sizes& all, int repeats) {
   constexpr size_t slots = 4096;
   static std::atomic<void*> ring[slots];
   const size_t total = all.size() * static_cast<size_t>(repeats);
@@ -65,7 +69,12 @@ void hand_over(const allocator& a, const sizes& all, int repeats) {
 }
 
 std::vector<peers::row> rows() {
-  using work = void (*)(const allocator&, const sizes&, int);
+  struct work {
+    void (*ours)(const own_allocator&, const sizes&, int);
+    void (*peers)(const allocator&, const sizes&, int);
+  };
+  constexpr work one_thread = {batches<own_allocator>, batches<allocator>};
+  constexpr work two_threads = {hand_over<own_allocator>, hand_over<allocator>};
   std::vector<peers::row> all;
   static const allocator mimalloc = {
       reinterpret_cast<void* (*)(size_t)>(peers::symbol_of("libmimalloc.so.2", "mi_malloc")),
@@ -75,8 +84,8 @@ std::vector<peers::row> rows() {
     if (peer.take == nullptr) return;
     all.push_back({name,
                    peer_name,
-                   [=] { w(own, s, repeats); },
-                   [=] { w(peer, s, repeats); },
+                   [=] { w.ours(own, s, repeats); },
+                   [=] { w.peers(peer, s, repeats); },
                    {},
                    peers::bar_kind::time_at_most,
                    bar,
@@ -85,18 +94,18 @@ std::vector<peers::row> rows() {
   };
   for (const uint32_t size : {16u, 64u, 256u, 1024u}) {
     const std::string name = "zalloc + zfree, " + std::to_string(size) + " bytes, batches of 1000";
-    add(name, batches, sizes(1000, size), 200, "mimalloc", mimalloc, 1.2);
-    add(name, batches, sizes(1000, size), 200, "malloc", system_allocator, 0.5);
+    add(name, one_thread, sizes(1000, size), 200, "mimalloc", mimalloc, 1.2);
+    add(name, one_thread, sizes(1000, size), 200, "malloc", system_allocator, 0.5);
   }
-  add("zalloc + zfree, 16 to 1024 bytes, batches of 1000", batches, mixed(1000, 16, 1024), 200, "mimalloc",
+  add("zalloc + zfree, 16 to 1024 bytes, batches of 1000", one_thread, mixed(1000, 16, 1024), 200, "mimalloc",
       mimalloc, 1.2);
-  add("zalloc + zfree, 16 to 1024 bytes, batches of 1000", batches, mixed(1000, 16, 1024), 200, "malloc",
+  add("zalloc + zfree, 16 to 1024 bytes, batches of 1000", one_thread, mixed(1000, 16, 1024), 200, "malloc",
       system_allocator, 0.5);
-  add("zalloc + zfree, 1 to 64 KiB, batches of 1000", batches, mixed(1000, 1025, 65536), 20, "malloc",
+  add("zalloc + zfree, 1 to 64 KiB, batches of 1000", one_thread, mixed(1000, 1025, 65536), 20, "malloc",
       system_allocator, 0.5);
-  add("zalloc + zfree, 16 bytes to 64 KiB, batches of 1000", batches, mixed(1000, 16, 65536), 20, "malloc",
+  add("zalloc + zfree, 16 bytes to 64 KiB, batches of 1000", one_thread, mixed(1000, 16, 65536), 20, "malloc",
       system_allocator, 0.5);
-  add("taken on one thread, freed on another, 8 to 1024 bytes", hand_over, mixed(1000, 8, 1024), 300,
+  add("taken on one thread, freed on another, 8 to 1024 bytes", two_threads, mixed(1000, 8, 1024), 300,
       "mimalloc", mimalloc, 1.5);
   return all;
 }

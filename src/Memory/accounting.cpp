@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "Includes/assertion.h"
+#include "Memory/heaps.h"
 #include "velorim/memory.h"
 
 namespace vlm::memory {
@@ -83,7 +84,10 @@ int64_t MaxMemoryUsed(void) noexcept { return static_cast<int64_t>(accounts().pe
 
 uint64_t MCliminuse(void) noexcept { return accounts().limit.get(); }
 
-void MCsetlimit(uint64_t limit) noexcept { accounts().limit.set(limit); }
+void MCsetlimit(uint64_t limit) noexcept {
+  accounts();  // has the thread's heap made
+  set_soft_limit(*heap_of_thread(), limit);
+}
 
 void MC_set_interrupt_fun(void (*function)(void)) noexcept {
   interrupt_function.store(function, std::memory_order_relaxed);

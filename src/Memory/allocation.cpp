@@ -20,9 +20,16 @@ namespace {
   return nullptr;
 }
 
+/// Puts a chunk that gave its last block where it belongs; the block.
+[[gnu::cold, gnu::noinline]] void* with_chunk_full(size_class& c, chunk_header& chunk, void* block) {
+  move_to_full(c, chunk);
+  return block;
+}
+
 /// Every request, step by step.
-[[gnu::noinline]] void* allocate(uint64_t size, bool aligned, int32_t fail_mode) {
+[[gnu::noinline]] void* allocate(uint64_t size, int32_t wants_alignment, int32_t fail_mode) {
   if (size == 0) return nullptr;
+  const bool aligned = wants_alignment != 0;
   ThreadHeap* heap = heap_of_thread();
   if (heap == nullptr) heap = make_heap();
   const uint64_t rounded = rounded_request(size, aligned);
@@ -39,23 +46,27 @@ namespace {
 
 void* zalloc(uint64_t size, int32_t aligned, int32_t failMode) noexcept {
   using namespace vlm::memory;
-  // The common case: a small block from a chunk that keeps a free block behind it, nothing else to look after.
-  ThreadHeap* const heap = heap_of_thread();
-  if (heap != nullptr && size - 1 < headerless_bytes && heap->limit.get() == 0 && !injection_is_armed())
-      [[likely]] {
-    size_class& c = heap->classes[size_class_of(round_up(size, aligned != 0 ? 16 : 8))];
+  // The common case: a small block from a chunk at hand, with nothing else to look after.
+  if (allocates_directly() && size - 1 < headerless_bytes) [[likely]] {
+    ThreadHeap& heap = *holder.heap;
+    uint64_t rounded = size + 7;
+    if (aligned != 0) [[unlikely]]
+      rounded = round_up(size, 16);
+    size_class& c = heap.classes[class_map[rounded / 8]];
     chunk_header* const chunk = c.available;
-    if (chunk != nullptr && chunk->free_count > 1 &&
-        c.remote_chunks.load(std::memory_order_relaxed) == nullptr) [[likely]] {
-      void* const block = pop_block(c, *chunk);
-      heap->peak.raise_to(heap->in_use.get());
-      return block;
+    if (chunk != nullptr && c.remote_chunks.load(std::memory_order_relaxed) == nullptr) [[likely]] {
+      const popped taken = pop_block(heap, c, *chunk);
+      heap.peak.raise_to(taken.in_use);
+      if (taken.left == 0) [[unlikely]]
+        return with_chunk_full(c, *chunk, taken.block);
+      return taken.block;
     }
   }
-  return allocate(size, aligned != 0, failMode);
+  return allocate(size, aligned, failMode);
 }
 
 void zfree(void* pointer) noexcept {
+  // Without a root there is no page map, and no block either.
   if (pointer != nullptr) vlm::memory::give_block(pointer);
 }
 

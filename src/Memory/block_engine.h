@@ -22,7 +22,12 @@ class owner_counter {
   constexpr owner_counter(uint64_t value = 0) : value_(value) {}
   uint64_t get() const { return value_.load(std::memory_order_relaxed); }
   void set(uint64_t value) { value_.store(value, std::memory_order_relaxed); }
-  void add(uint64_t amount) { set(get() + amount); }
+  /// The new value.
+  uint64_t add(uint64_t amount) {
+    const uint64_t sum = get() + amount;
+    set(sum);
+    return sum;
+  }
   void subtract(uint64_t amount) { set(get() - amount); }
   void raise_to(uint64_t value) {
     if (value > get()) set(value);

@@ -47,7 +47,7 @@ void give_remote_block(chunk_header& chunk, void* block) {
 void give_headed_block(void* pointer) {
   const block_place place = find_headed_block(pointer);
   ThreadHeap* const owner = place.chunk != nullptr ? place.chunk->owner_class->owner : place.large->owner;
-  const bool mine = owner == heap_of_thread();
+  const bool mine = is_mine(*owner);
   if (place.chunk != nullptr) {
     if (!mine) return give_remote_block(*place.chunk, place.start);
     size_class& c = *place.chunk->owner_class;

@@ -41,7 +41,7 @@ inline void give_block(void* pointer) {
   if (chunk == nullptr) [[unlikely]]
     return give_headed_block(pointer);
   size_class& c = *chunk->owner_class;
-  if (c.owner != heap_of_thread()) [[unlikely]]
+  if (!is_mine(*c.owner)) [[unlikely]]
     return give_remote_block(*chunk, pointer);
   free_class_block(c, *chunk, pointer);
   drain_remote_if_any(c);

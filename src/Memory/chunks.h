@@ -28,14 +28,21 @@ struct class_block {
   chunk_header* chunk;
 };
 
+/// What a pop leaves behind, in registers: the counters are not read again.
+struct popped {
+  void* block;
+  uint64_t left;    ///< free blocks of the chunk
+  uint64_t in_use;  ///< of the heap
+};
+
 /// Takes the first free block of a chunk that has one, counted in in_use; the chunk stays on its list.
-inline void* pop_block(size_class& c, chunk_header& chunk) {
+inline popped pop_block(ThreadHeap& heap, size_class& c, chunk_header& chunk) {
   free_block* const block = chunk.free_list;
   shadow::allow(block, c.block_bytes);
+  const uint64_t left = chunk.free_count - 1;
   chunk.free_list = block->next;
-  --chunk.free_count;
-  c.owner->in_use.add(c.block_bytes);
-  return block;
+  chunk.free_count = left;
+  return {block, left, heap.in_use.add(c.block_bytes)};
 }
 
 /// A free block of the class, counted in in_use.
@@ -45,10 +52,10 @@ inline class_block take_class_block(size_class& c) {
     chunk = more_blocks(c);
     if (chunk == nullptr) return {nullptr, nullptr};
   }
-  void* const block = pop_block(c, *chunk);
-  if (chunk->free_count == 0) [[unlikely]]
+  const popped taken = pop_block(*c.owner, c, *chunk);
+  if (taken.left == 0) [[unlikely]]
     move_to_full(c, *chunk);
-  return {block, chunk};
+  return {taken.block, chunk};
 }
 
 /// The owner's free of a block; returns whether the chunk is entirely free now.
@@ -58,8 +65,9 @@ inline bool free_class_block(size_class& c, chunk_header& chunk, void* block) {
   chunk.free_list = freed;
   shadow::forbid(block, c.block_bytes);
   c.owner->in_use.subtract(c.block_bytes);
+  // In one comparison: 1, which wraps, for a chunk that was full, or all.
   const uint64_t count = ++chunk.free_count;
-  if (count == 1 || count == c.blocks_per_chunk) [[unlikely]]
+  if (count - 2 >= c.blocks_per_chunk - 2) [[unlikely]]
     return chunk_became_usable_or_free(c, chunk);
   return false;
 }

@@ -20,7 +20,11 @@ bool count_down(std::atomic<int64_t>& to_pass, std::atomic<bool>& armed) {
 
 }  // namespace
 
-bool injected_failure() { return count_down(allocations_to_pass, injection_armed); }
+bool injected_failure() {
+  const bool fails = count_down(allocations_to_pass, injection_armed);
+  if (fails) follow_injection();
+  return fails;
+}
 bool injected_system_failure() { return count_down(system_requests_to_pass, system_injection_armed); }
 
 }  // namespace detail
@@ -28,6 +32,7 @@ bool injected_system_failure() { return count_down(system_requests_to_pass, syst
 void fail_allocation_after(int64_t n) {
   detail::allocations_to_pass.store(n, std::memory_order_relaxed);
   detail::injection_armed.store(n >= 0, std::memory_order_relaxed);
+  follow_injection();
 }
 
 bool allocation_failure_pending() { return detail::injection_armed.load(std::memory_order_relaxed); }

@@ -17,6 +17,9 @@ bool allocation_failure_pending();
 /// The same for the memory that the engine itself asks of the system: chunks, large blocks, levels of the page map.
 void fail_system_memory_after(int64_t n);
 
+/// Has the heaps see that the injection was turned on or off; heaps.cpp.
+void follow_injection();
+
 namespace detail {
 extern std::atomic<bool> injection_armed;
 extern std::atomic<bool> system_injection_armed;

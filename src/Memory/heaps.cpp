@@ -8,6 +8,7 @@
 #include "Includes/assertion.h"
 #include "Memory/chunk_memory.h"
 #include "Memory/chunks.h"
+#include "Memory/failure_injection.h"
 #include "Memory/large_blocks.h"
 #include "Runtime/os_thread.h"
 
@@ -19,8 +20,9 @@ struct HeapRoot {
 
 namespace vlm::memory {
 
-constinit thread_local heap_holder holder [[gnu::tls_model("initial-exec")]] = {nullptr, 0};
+constinit thread_local heap_holder holder [[gnu::tls_model("initial-exec")]] = {nullptr, 0, 0};
 constinit std::atomic<uint64_t> allocator_life{1};
+constinit std::atomic<uint64_t> direct_life{1};
 
 namespace {
 
@@ -29,7 +31,11 @@ constexpr size_t reserve_bytes = 4096;
 constinit std::atomic<HeapRoot*> root{nullptr};
 constinit std::mutex root_lock;  // static: it also guards the making of the root
 
-void set_heap_of_thread(ThreadHeap* heap) { holder = {heap, allocator_life.load(std::memory_order_relaxed)}; }
+void set_heap_of_thread(ThreadHeap& heap) {
+  const uint64_t life = allocator_life.load(std::memory_order_relaxed);
+  holder = {&heap, life, life};
+  heap.home = &holder;
+}
 
 HeapRoot* ensure_root_locked() {
   HeapRoot* result = root.load(std::memory_order_relaxed);
@@ -97,7 +103,7 @@ ThreadHeap* make_heap() {
       heap->older = list->newest;
       if (heap->older != nullptr) heap->older->newer = heap;
       list->newest = heap;
-      set_heap_of_thread(heap);
+      set_heap_of_thread(*heap);
       return heap;
     }
   }
@@ -189,11 +195,12 @@ void compact() {
 void end_current_heap() {
   ThreadHeap* const heap = heap_of_thread();
   if (heap == nullptr) return;
-  set_heap_of_thread(nullptr);
+  holder = {};
   {
     // One hold of the heap's mutex from the first mark to the last release: a block that is freed at this moment is either
     // taken back here or finds the mark of its class and waits for the mutex.
     const std::lock_guard guard(heap->mutex);
+    heap->home = nullptr;
     for (size_class& c : heap->classes) {
       const std::lock_guard class_guard(c.mutex);
       drain_remote_locked(c);
@@ -231,6 +238,18 @@ void tear_down() {
   list->~HeapRoot();
   std::free(list);
   allocator_life.fetch_add(1, std::memory_order_relaxed);
+  follow_injection();
+}
+
+void set_soft_limit(ThreadHeap& heap, uint64_t limit) {
+  heap.limit.set(limit);
+  holder.direct = limit == 0 ? holder.life : 0;
+}
+
+void follow_injection() {
+  constexpr uint64_t nobodys = ~uint64_t{0};
+  direct_life.store(injection_is_armed() ? nobodys : allocator_life.load(std::memory_order_relaxed),
+                    std::memory_order_relaxed);
 }
 
 uint64_t bytes_of_callers(const heap_accounts& accounts) {

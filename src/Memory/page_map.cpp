@@ -10,22 +10,24 @@
 namespace vlm::memory {
 
 constinit page_map pages;
+constinit page_map::leaf_level page_map::no_leaf{};
+constinit page_map::middle_level page_map::no_middle{};
 
 namespace {
 
 /// Taken only to make a level; innermost of all locks of the allocator.
 constinit std::mutex level_lock;
 
-/// The level behind a link, made if it is absent; null if the system allocator fails.
-template <class Level> Level* ensure_level(std::atomic<Level*>& link) {
+/// The level behind a link, made by `make` if `absent` stands there; null if the system allocator fails.
+template <class Level, class Make>
+Level* ensure_level(std::atomic<Level*>& link, const Level& absent, Make make) {
   Level* level = link.load(std::memory_order_acquire);
-  if (level != nullptr) return level;
+  if (level != &absent) return level;
   const std::lock_guard guard(level_lock);
   level = link.load(std::memory_order_relaxed);
-  if (level != nullptr || system_allocation_must_fail()) return level;
-  // Zeros are null pointers here, as everywhere the library runs.
-  level = static_cast<Level*>(std::calloc(1, sizeof(Level)));
-  link.store(level, std::memory_order_release);
+  if (level != &absent) return level;
+  level = system_allocation_must_fail() ? nullptr : make();
+  if (level != nullptr) link.store(level, std::memory_order_release);
   return level;
 }
 
@@ -34,15 +36,21 @@ template <class Level> Level* ensure_level(std::atomic<Level*>& link) {
 bool page_map::create(const page_info& info) {
   page_shift_ = info.page_shift;
   top_entries_ = uint64_t{1} << (address_bits - page_shift_ - 2 * level_bits);
+  for (auto& leaf : no_middle.leaves) leaf.store(&no_leaf, std::memory_order_relaxed);
   top_ = static_cast<std::atomic<middle_level*>*>(std::calloc(top_entries_, sizeof *top_));
-  return top_ != nullptr;
+  if (top_ == nullptr) return false;
+  for (uint64_t i = 0; i < top_entries_; ++i) top_[i].store(&no_middle, std::memory_order_relaxed);
+  return true;
 }
 
 void page_map::destroy() {
   for (uint64_t i = 0; i < top_entries_; ++i) {
     middle_level* const middle = top_[i].load(std::memory_order_relaxed);
-    if (middle == nullptr) continue;
-    for (auto& leaf : middle->leaves) std::free(leaf.load(std::memory_order_relaxed));
+    if (middle == &no_middle) continue;
+    for (auto& link : middle->leaves) {
+      leaf_level* const leaf = link.load(std::memory_order_relaxed);
+      if (leaf != &no_leaf) std::free(leaf);
+    }
     std::free(middle);
   }
   std::free(top_);
@@ -51,8 +59,16 @@ void page_map::destroy() {
 }
 
 page_map::leaf_level* page_map::leaf_of(uint64_t page) {
-  middle_level* const middle = ensure_level(top_[page >> (2 * level_bits)]);
-  return middle == nullptr ? nullptr : ensure_level(middle->leaves[page >> level_bits & (level_entries - 1)]);
+  middle_level* const middle = ensure_level(top_[page >> (2 * level_bits)], no_middle, [] {
+    auto* const made = static_cast<middle_level*>(std::malloc(sizeof(middle_level)));
+    if (made == nullptr) return made;
+    for (auto& leaf : made->leaves) leaf.store(&no_leaf, std::memory_order_relaxed);
+    return made;
+  });
+  if (middle == nullptr) return nullptr;
+  return ensure_level(middle->leaves[page >> level_bits & (level_entries - 1)], no_leaf,
+                      // Zeros are null pointers here, as everywhere the library runs.
+                      [] { return static_cast<leaf_level*>(std::calloc(1, sizeof(leaf_level))); });
 }
 
 void page_map::store(const void* memory, uint64_t count, chunk_header* chunk) {

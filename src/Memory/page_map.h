@@ -4,8 +4,9 @@
 //   middle  4096 pointers, bits 12 to 23
 //   leaf    4096 chunks, bits 0 to 11
 //
-// Levels are made when a page below them is first registered, filled with zeros before they are linked in, and live until the
-// map is torn down. A look-up of an address whose page is not registered gives null at any level.
+// Levels are made when a page below them is first registered and live until the map is torn down. In place of a level that does not
+// exist stands one without entries, shared by all, so that a look-up tests nothing on its way: an address whose page is not
+// registered gives null at the end.
 #pragma once
 
 #include <atomic>
@@ -38,10 +39,8 @@ class page_map {
   chunk_header* find(const void* address) const {
     const uint64_t page = reinterpret_cast<uintptr_t>(address) >> page_shift_;
     const middle_level* const middle = top_[page >> (2 * level_bits)].load(std::memory_order_acquire);
-    if (middle == nullptr) return nullptr;
     const leaf_level* const leaf =
         middle->leaves[page >> level_bits & (level_entries - 1)].load(std::memory_order_acquire);
-    if (leaf == nullptr) return nullptr;
     return leaf->chunks[page & (level_entries - 1)].load(std::memory_order_relaxed);
   }
 
@@ -57,6 +56,9 @@ class page_map {
   struct middle_level {
     std::atomic<leaf_level*> leaves[level_entries];
   };
+
+  static leaf_level no_leaf;
+  static middle_level no_middle;
 
   leaf_level* leaf_of(uint64_t page);
   void store(const void* memory, uint64_t pages, chunk_header* chunk);
