@@ -22,11 +22,14 @@ void* from_system(const size_class& c) {
   if (!is_mapped(c)) return std::malloc(c.chunk_bytes);
   void* const memory =
       mmap(nullptr, c.chunk_bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-  return memory == MAP_FAILED ? nullptr : memory;
+  if (memory == MAP_FAILED) return nullptr;
+  shadow::holds_pointers(memory, c.chunk_bytes);
+  return memory;
 }
 
 void to_system(const size_class& c, void* memory) {
   if (is_mapped(c)) {
+    shadow::holds_none(memory, c.chunk_bytes);
     munmap(memory, c.chunk_bytes);
   } else {
     std::free(memory);

@@ -86,7 +86,8 @@ static_assert(sizeof(large_block_header) == large_header_bytes);
 struct heap_holder;
 
 struct ThreadHeap : heap_accounts {
-  const heap_holder* home = nullptr;  ///< the owner's thread-local variable (heaps.h); null once orphaned
+  std::atomic<const heap_holder*> home{
+      nullptr};  ///< the owner's thread-local variable (heaps.h); null once orphaned
   size_class classes[size_class_count];
   ThreadHeap* newer = nullptr;  ///< list of the root
   ThreadHeap* older = nullptr;

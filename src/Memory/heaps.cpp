@@ -34,7 +34,7 @@ constinit std::mutex root_lock;  // static: it also guards the making of the roo
 void set_heap_of_thread(ThreadHeap& heap) {
   const uint64_t life = allocator_life.load(std::memory_order_relaxed);
   holder = {&heap, life, life};
-  heap.home = &holder;
+  heap.home.store(&holder, std::memory_order_relaxed);
 }
 
 HeapRoot* ensure_root_locked() {
@@ -200,7 +200,7 @@ void end_current_heap() {
     // One hold of the heap's mutex from the first mark to the last release: a block that is freed at this moment is either
     // taken back here or finds the mark of its class and waits for the mutex.
     const std::lock_guard guard(heap->mutex);
-    heap->home = nullptr;
+    heap->home.store(nullptr, std::memory_order_relaxed);
     for (size_class& c : heap->classes) {
       const std::lock_guard class_guard(c.mutex);
       drain_remote_locked(c);

@@ -23,7 +23,7 @@ inline ThreadHeap* heap_of_thread() {
 }
 
 /// Whether the calling thread owns a heap in which a block lives.
-inline bool is_mine(const ThreadHeap& heap) { return heap.home == &holder; }
+inline bool is_mine(const ThreadHeap& heap) { return heap.home.load(std::memory_order_relaxed) == &holder; }
 
 /// Whether the calling thread has a heap whose next allocation has nothing to look after but its block.
 inline bool allocates_directly() { return holder.direct == direct_life.load(std::memory_order_relaxed); }

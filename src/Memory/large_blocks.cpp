@@ -68,7 +68,11 @@ void reclaim_large(ThreadHeap& heap) {
 }
 
 void free_all_large_blocks(ThreadHeap& heap) {
-  while (heap.large_blocks != nullptr) free_large_block(*heap.large_blocks);
+  for (large_block_header* block = heap.large_blocks; block != nullptr;) {
+    large_block_header* const next = block->next;
+    free_large_block(*block);
+    block = next;
+  }
 }
 
 uint64_t pending_large_bytes(const ThreadHeap& heap) {

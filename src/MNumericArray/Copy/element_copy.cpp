@@ -69,11 +69,15 @@ void fill_pattern(void* data, mint step, const void* values, mint value_count, m
     const element* const from = static_cast<const element*>(values);
     over_elements(count, W, true, [=](mint first, mint length) {
       if (value_count > 1) {
-        for (mint i = first; i < first + length; ++i) std::copy_n(from, value_count, to + i * step);
+        for (mint i = first; i < first + length; ++i) {
+          for (mint k = 0; k < value_count; ++k) to[i * step + k] = from[k];
+        }
       } else if (step != 1) {
-        for (mint i = first; i < first + length; ++i) to[i * step] = *from;
+        const element value = *from;
+        for (mint i = first; i < first + length; ++i) to[i * step] = value;
       } else {
-        std::fill_n(to + first, length, *from);
+        const element value = *from;
+        for (mint i = first; i < first + length; ++i) to[i] = value;
       }
     });
   });
