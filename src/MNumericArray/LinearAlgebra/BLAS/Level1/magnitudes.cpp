@@ -45,14 +45,12 @@ template <class T> class scaled_squares {
   }
   /// The same for a block whose entries are all below the scale and not zero: the quotients side by side, the sum in order.
   template <int N> bool add_block(const T* x) {
-    T largest = 0;
-    bool plain = true;
+    int plain = 1;
     for (int i = 0; i < N; ++i) {
       const T magnitude = std::abs(x[i]);
-      largest = std::max(largest, magnitude);
-      plain = plain & (magnitude > 0);
+      plain &= (magnitude > 0) & (magnitude <= scale_);
     }
-    if (!plain || !(largest <= scale_)) return false;
+    if (plain == 0) return false;
     T squares[N];
     for (int i = 0; i < N; ++i) {
       const T ratio = std::abs(x[i]) / scale_;

@@ -33,6 +33,7 @@ template <class T, int Parts> class product {
     if (m_ == 0 || n_ == 0 || k_ == 0) return;
     if (skips_) find_marks();
     if (is_small()) {
+      in_place_ = Parts == 1;
       alignas(64) T a_space[small_numbers];
       alignas(64) T b_space[small_numbers];
       multiply_stretch(0, k_, 0, n_, a_space, b_space, m_, 1);
@@ -172,6 +173,9 @@ template <class T, int Parts> class product {
     }
   }
 
+  bool lies_in_strips(mint rows) const { return in_place_ && a_.row_step == 1 && rows % lanes == 0; }
+  bool b_lies() const { return in_place_ && !scales_; }
+
   /// All tiles of some rows, against strips of B that are packed.
   void multiply_rows(mint i0, mint rows, mint l0, mint count, mint j0, mint width, T* a_space,
                      const T* b_space) const {
@@ -179,16 +183,19 @@ template <class T, int Parts> class product {
       const mint here = std::min<mint>(strip, rows - i);
       const int registers = static_cast<int>((here + lanes - 1) / lanes);
       const mint height = registers * lanes;
-      T* const a = a_space + i * count * Parts;
-      pack_a(i0 + i, here, height, l0, count, a);
+      if (!lies_in_strips(here)) pack_a(i0 + i, here, height, l0, count, a_space + i * count * Parts);
     }
     for (mint j = 0; j < width; j += columns) {
       const int across = static_cast<int>(std::min<mint>(columns, width - j));
       for (mint i = 0; i < rows; i += strip) {
         const mint here = std::min<mint>(strip, rows - i);
         const int registers = static_cast<int>((here + lanes - 1) / lanes);
-        multiply_tile(count, a_space + i * count * Parts, registers * lanes * Parts, registers,
-                      b_space + j * count * Parts, columns * Parts, Parts, i0 + i, here, j0 + j, across);
+        const bool as_it_lies = lies_in_strips(here);
+        multiply_tile(count, as_it_lies ? a_at(i0 + i, l0) : a_space + i * count * Parts,
+                      as_it_lies ? a_.column_step : registers * lanes * Parts, registers,
+                      b_lies() ? b_at(l0, j0 + j) : b_space + j * count * Parts,
+                      b_lies() ? b_.row_step : columns * Parts, b_lies() ? b_.column_step : Parts, i0 + i,
+                      here, j0 + j, across);
       }
     }
   }
@@ -237,7 +244,7 @@ template <class T, int Parts> class product {
       }
     };
     if (threads == 1) {
-      if (!careful_) pack(0, strips);
+      if (!careful_ && !b_lies()) pack(0, strips);
       multiply(0, blocks);
       return;
     }
@@ -272,6 +279,7 @@ template <class T, int Parts> class product {
   bool skips_;
   bool scales_ = false;
   bool careful_ = false;
+  bool in_place_ = false;  ///< what lies as the tiles want it is not laid out anew: it will not be read often
   T* c_;
   mint ldc_;
 };
