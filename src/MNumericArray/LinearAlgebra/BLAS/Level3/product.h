@@ -235,11 +235,11 @@ template <class T, int Parts> class product {
     const auto multiply = [&](mint first, mint number) {
       for (mint block = first; block < first + number; ++block) {
         const mint i0 = block * rows_together, rows = std::min(rows_together, m_ - i0);
+        const mint member = threads > 1 ? omp_get_thread_num() : 0;
         if (careful_) {
           multiply_carefully(i0, rows, l0, count, j0, width);
         } else {
-          multiply_rows(i0, rows, l0, count, j0, width,
-                        a_space + omp_get_thread_num() * a_numbers * (threads > 1), b_space);
+          multiply_rows(i0, rows, l0, count, j0, width, a_space + member * a_numbers, b_space);
         }
       }
     };
