@@ -11,17 +11,18 @@
 
 namespace {
 
-/// Each side is called as a program that is linked with it would.
+/// Every side is called through pointers.
 struct own_allocator {
-  void* take(size_t size) const { return zalloc(size, 0, FailFatal); }
-  void give(void* block) const { zfree(block); }
+  void* (*zalloc_function)(uint64_t, int32_t, int32_t);
+  void (*give)(void*);
+  void* take(size_t size) const { return zalloc_function(size, 0, FailFatal); }
 };
 struct allocator {
   void* (*take)(size_t);
   void (*give)(void*);
 };
-constexpr own_allocator own;
-constexpr allocator system_allocator = {std::malloc, std::free};
+const own_allocator own = {zalloc, zfree};
+const allocator system_allocator = {std::malloc, std::free};
 
 using sizes = std::vector<uint32_t>;
 
@@ -46,24 +47,32 @@ template <class Allocator> void batches(const Allocator& a, const sizes& all, in
   }
 }
 
-/// One thread takes, another gives; a ring of slots between them.
+/// One thread takes, another gives; a ring of batches between them, so that the blocks count and not the ring.
 template <class Allocator> void hand_over(const Allocator& a, const sizes& all, int repeats) {
-  constexpr size_t slots = 4096;
-  static std::atomic<void*> ring[slots];
-  const size_t total = all.size() * static_cast<size_t>(repeats);
+  constexpr size_t slots = 64, batch = 50;
+  struct slot {
+    std::atomic<bool> full;
+    void* blocks[batch];
+  };
+  static slot ring[slots];
+  const size_t batches = all.size() * static_cast<size_t>(repeats) / batch;
   std::thread consumer([&] {
-    for (size_t i = 0; i < total; ++i) {
-      void* block;
-      while ((block = ring[i % slots].load(std::memory_order_acquire)) == nullptr) std::this_thread::yield();
-      ring[i % slots].store(nullptr, std::memory_order_release);
-      a.give(block);
+    for (size_t i = 0; i < batches; ++i) {
+      slot& s = ring[i % slots];
+      while (!s.full.load(std::memory_order_acquire)) std::this_thread::yield();
+      for (void* const block : s.blocks) a.give(block);
+      s.full.store(false, std::memory_order_release);
     }
   });
-  for (size_t i = 0; i < total; ++i) {
-    void* const block = a.take(all[i % all.size()]);
-    *static_cast<char*>(block) = 1;
-    while (ring[i % slots].load(std::memory_order_relaxed) != nullptr) std::this_thread::yield();
-    ring[i % slots].store(block, std::memory_order_release);
+  size_t taken = 0;
+  for (size_t i = 0; i < batches; ++i) {
+    slot& s = ring[i % slots];
+    while (s.full.load(std::memory_order_acquire)) std::this_thread::yield();
+    for (void*& block : s.blocks) {
+      block = a.take(all[taken++ % all.size()]);
+      *static_cast<char*>(block) = 1;
+    }
+    s.full.store(true, std::memory_order_release);
   }
   consumer.join();
 }

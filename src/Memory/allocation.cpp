@@ -21,13 +21,13 @@ namespace {
 }
 
 /// Puts a chunk that gave its last block where it belongs; the block.
-[[gnu::cold, gnu::noinline]] void* with_chunk_full(size_class& c, chunk_header& chunk, void* block) {
+[[gnu::cold, gnu::noinline]] void* with_chunk_full(size_class& c, chunk_header& chunk, void* block) noexcept {
   move_to_full(c, chunk);
   return block;
 }
 
 /// Every request, step by step.
-[[gnu::noinline]] void* allocate(uint64_t size, int32_t wants_alignment, int32_t fail_mode) {
+[[gnu::noinline]] void* allocate(uint64_t size, int32_t wants_alignment, int32_t fail_mode) noexcept {
   if (size == 0) return nullptr;
   const bool aligned = wants_alignment != 0;
   ThreadHeap* heap = heap_of_thread();
@@ -52,12 +52,12 @@ void* zalloc(uint64_t size, int32_t aligned, int32_t failMode) noexcept {
     uint64_t rounded = size + 7;
     if (aligned != 0) [[unlikely]]
       rounded = round_up(size, 16);
-    size_class& c = heap.classes[class_map[rounded / 8]];
+    size_class& c = *heap.class_of_words[rounded / 8];
     chunk_header* const chunk = c.available;
-    if (chunk != nullptr && c.remote_chunks.load(std::memory_order_relaxed) == nullptr) [[likely]] {
+    if (chunk != nullptr && c.waiting.load(std::memory_order_relaxed) == nullptr) [[likely]] {
       const popped taken = pop_block(heap, c, *chunk);
       heap.peak.raise_to(taken.in_use);
-      if (taken.left == 0) [[unlikely]]
+      if (taken.last) [[unlikely]]
         return with_chunk_full(c, *chunk, taken.block);
       return taken.block;
     }

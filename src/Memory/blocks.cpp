@@ -4,7 +4,6 @@
 namespace vlm::memory {
 namespace {
 
-constexpr uint64_t chunk_bit = 1;
 constexpr uint64_t distance_bit = 2;
 
 /// The caller's pointer behind the words ahead; `last` is the first address that could be it.
@@ -40,11 +39,16 @@ void* take_headed_block(ThreadHeap& heap, uint64_t rounded, bool aligned) {
   return place_pointer(static_cast<char*>(block) + class_header_bytes, aligned);
 }
 
-void give_remote_block(chunk_header& chunk, void* block) {
-  if (!leave_to_owner(*chunk.owner_class, chunk, block)) free_into_orphan(chunk, block);
+void give_remote_block(chunk_header& chunk, void* block) noexcept {
+  if (!leave_to_owner(*chunk.owner_class, block)) free_into_orphan(chunk, block);
 }
 
-void give_headed_block(void* pointer) {
+void settle_chunk(size_class& c, chunk_header& chunk) noexcept {
+  chunk_became_usable_or_free(c, chunk);
+  drain_remote_if_any(c);
+}
+
+void give_headed_block(void* pointer) noexcept {
   const block_place place = find_headed_block(pointer);
   ThreadHeap* const owner = place.chunk != nullptr ? place.chunk->owner_class->owner : place.large->owner;
   const bool mine = is_mine(*owner);

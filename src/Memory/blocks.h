@@ -22,8 +22,10 @@ struct block_place {
 block_place find_headed_block(const void* pointer);
 
 void* take_headed_block(ThreadHeap& heap, uint64_t rounded, bool aligned);
-void give_headed_block(void* pointer);
-void give_remote_block(chunk_header& chunk, void* block);
+void give_headed_block(void* pointer) noexcept;
+/// The rest of a free that changed a chunk's place.
+void settle_chunk(size_class& c, chunk_header& chunk) noexcept;
+void give_remote_block(chunk_header& chunk, void* block) noexcept;
 
 /// A block for a rounded request (size_classes.h), counted in in_use; null if the system has no more.
 inline void* take_block(ThreadHeap& heap, uint64_t rounded, bool aligned) {
@@ -43,7 +45,8 @@ inline void give_block(void* pointer) {
   size_class& c = *chunk->owner_class;
   if (!is_mine(*c.owner)) [[unlikely]]
     return give_remote_block(*chunk, pointer);
-  free_class_block(c, *chunk, pointer);
+  if (push_block(c, *chunk, pointer)) [[unlikely]]
+    return settle_chunk(c, *chunk);
   drain_remote_if_any(c);
 }
 

@@ -34,7 +34,7 @@ void thread_blocks(const size_class& c, chunk_header& chunk) {
     block->next = last ? nullptr : reinterpret_cast<free_block*>(first + (i + 1) * c.block_bytes);
   }
   chunk.free_list = reinterpret_cast<free_block*>(first);
-  chunk.free_count = c.blocks_per_chunk;
+  chunk.used = 0;
   shadow::forbid(first, c.usable_bytes);
 }
 
@@ -58,7 +58,6 @@ chunk_header* make_chunk(size_class& c) {
   if (header == nullptr) header = memory;
   chunk_header* const chunk = new (header) chunk_header{};
   chunk->owner_class = &c;
-  chunk->remote_next = chunk;
   chunk->memory = is_header_class(c) ? chunk + 1 : memory;
   if (c.chunk_pages != 0 && !pages.insert(memory, c.chunk_pages, chunk)) {
     give_chunk_memory(c, memory);
@@ -82,9 +81,36 @@ void release_list(size_class& c, chunk_header*& list) {
     chunk_header& chunk = *list;
     unlink(list, chunk);
     --c.chunks;
-    c.owner->in_use.subtract((c.blocks_per_chunk - chunk.free_count) * c.block_bytes);
+    c.owner->in_use.subtract(chunk.used * c.block_bytes);
     release_chunk(c, chunk);
   }
+}
+
+/// Where a waiting block is linked: behind the word that leads to its chunk, if it has one.
+free_block* link_of(const size_class& c, void* block) {
+  return reinterpret_cast<free_block*>(static_cast<char*>(block) +
+                                       (c.chunk_pages != 0 ? 0 : class_header_bytes));
+}
+
+/// The block behind such a link, with its chunk.
+class_block block_of(const size_class& c, free_block* link) {
+  if (c.chunk_pages != 0) return {link, pages.find(link)};
+  uint64_t* const word = reinterpret_cast<uint64_t*>(link) - 1;
+  shadow::allow(word, sizeof *word);
+  return {word, reinterpret_cast<chunk_header*>(*word & ~chunk_bit)};
+}
+
+/// Frees the blocks of a waiting list that was taken whole.
+void take_back(size_class& c, free_block* list) {
+  uint64_t blocks = 0;
+  while (list != nullptr) {
+    const class_block waited = block_of(c, list);
+    list = list->next;
+    shadow::allow(waited.block, c.block_bytes);
+    free_class_block(c, *waited.chunk, waited.block);
+    ++blocks;
+  }
+  if (blocks != 0) c.waiting_blocks.fetch_sub(blocks, std::memory_order_relaxed);
 }
 
 }  // namespace
@@ -102,9 +128,12 @@ void set_up_classes(ThreadHeap& heap) {
     c.chunk_bytes = mapped ? mapped_chunk_bytes : c.usable_bytes;
     c.chunk_pages = mapped ? pages_per_chunk : 0;
   }
+  for (uint64_t words = 1; words <= headerless_bytes / 8; ++words) {
+    heap.class_of_words[words] = &heap.classes[size_class_of(8 * words)];
+  }
 }
 
-chunk_header* more_blocks(size_class& c) {
+chunk_header* more_blocks(size_class& c) noexcept {
   chunk_header* chunk = c.spare;
   if (chunk != nullptr) {
     c.spare = nullptr;
@@ -117,13 +146,13 @@ chunk_header* more_blocks(size_class& c) {
   return chunk;
 }
 
-void move_to_full(size_class& c, chunk_header& chunk) {
+void move_to_full(size_class& c, chunk_header& chunk) noexcept {
   unlink(c.available, chunk);
   link_at_head(c.full, chunk);
 }
 
-bool chunk_became_usable_or_free(size_class& c, chunk_header& chunk) {
-  if (chunk.free_count == 1) {  // it was full
+bool chunk_became_usable_or_free(size_class& c, chunk_header& chunk) noexcept {
+  if (chunk.used != 0) {  // it was full
     unlink(c.full, chunk);
     link_at_head(c.available, chunk);
     return false;
@@ -151,41 +180,30 @@ void release_all_chunks(size_class& c) {
   release_list(c, c.available);
 }
 
-void drain_remote_locked(size_class& c) {
-  while (chunk_header* const chunk = c.remote_chunks.load(std::memory_order_relaxed)) {
-    c.remote_chunks.store(chunk->remote_next, std::memory_order_relaxed);
-    chunk->remote_next = chunk;
-    free_block* block = chunk->remote_free_list;
-    chunk->remote_free_list = nullptr;
-    [[maybe_unused]] bool chunk_is_free = false;
-    while (block != nullptr) {
-      VELORIM_ASSERT(!chunk_is_free, "an entirely free chunk has no block waiting", "drain_remote_locked");
-      shadow::allow(block, c.block_bytes);
-      free_block* const next = block->next;
-      c.remote_bytes -= c.block_bytes;
-      chunk_is_free = free_class_block(c, *chunk, block);
-      block = next;
-    }
-  }
+void drain_remote(size_class& c) noexcept {
+  if (c.waiting.load(std::memory_order_relaxed) == &closed_list) return;
+  take_back(c, c.waiting.exchange(nullptr, std::memory_order_acquire));
 }
 
-void drain_remote(size_class& c) {
-  const std::lock_guard guard(c.mutex);
-  drain_remote_locked(c);
+void close_remote(size_class& c) {
+  take_back(c, c.waiting.exchange(&closed_list, std::memory_order_acq_rel));
 }
 
-bool leave_to_owner(size_class& c, chunk_header& chunk, void* block) {
-  const std::lock_guard guard(c.mutex);
-  if (c.orphaned) return false;
-  free_block* const freed = static_cast<free_block*>(block);
-  freed->next = chunk.remote_free_list;
-  chunk.remote_free_list = freed;
+bool leave_to_owner(size_class& c, void* block) {
+  free_block* const freed = link_of(c, block);
   shadow::forbid(block, c.block_bytes);
-  c.remote_bytes += c.block_bytes;
-  if (chunk.remote_next == &chunk) {
-    chunk.remote_next = c.remote_chunks.load(std::memory_order_relaxed);
-    c.remote_chunks.store(&chunk, std::memory_order_relaxed);
-  }
+  shadow::allow(freed, sizeof *freed);
+  c.waiting_blocks.fetch_add(1, std::memory_order_relaxed);
+  free_block* first = c.waiting.load(std::memory_order_relaxed);
+  do {
+    if (first == &closed_list) {
+      c.waiting_blocks.fetch_sub(1, std::memory_order_relaxed);
+      shadow::allow(block, c.block_bytes);
+      return false;
+    }
+    freed->next = first;
+  } while (
+      !c.waiting.compare_exchange_weak(first, freed, std::memory_order_acq_rel, std::memory_order_acquire));
   return true;
 }
 

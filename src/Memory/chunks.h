@@ -7,20 +7,24 @@
 namespace vlm::memory {
 
 /// Adds a chunk of free blocks to the class, the spare or a new one; null if the system has no more.
-chunk_header* more_blocks(size_class& c);
+chunk_header* more_blocks(size_class& c) noexcept;
 /// Keeps a chunk's place in step with its free blocks after a free that made it usable again or entirely free.
 /// Returns whether the chunk is entirely free now; it may be gone then.
-bool chunk_became_usable_or_free(size_class& c, chunk_header& chunk);
-void move_to_full(size_class& c, chunk_header& chunk);
+bool chunk_became_usable_or_free(size_class& c, chunk_header& chunk) noexcept;
+void move_to_full(size_class& c, chunk_header& chunk) noexcept;
 /// Gives the spare chunk, if there is one, back.
 void release_spare(size_class& c);
 /// Takes every chunk of the class apart, whatever it still holds.
 void release_all_chunks(size_class& c);
-/// Takes back all blocks that other threads freed in this class; the second form under a mutex that the caller holds.
-void drain_remote(size_class& c);
-void drain_remote_locked(size_class& c);
-/// Another thread's free: leaves the block on its chunk's remote list. False, with nothing done, if the class is orphaned.
-bool leave_to_owner(size_class& c, chunk_header& chunk, void* block);
+/// Takes back all blocks that other threads freed in this class.
+void drain_remote(size_class& c) noexcept;
+/// The same for good: from now on leave_to_owner refuses.
+void close_remote(size_class& c);
+/// Another thread's free: leaves the block waiting. False, with nothing done, if the class is closed.
+bool leave_to_owner(size_class& c, void* block);
+
+/// Set in the word ahead of a block of the classes above headerless_bytes; the rest of that word is the chunk's address.
+inline constexpr uint64_t chunk_bit = 1;
 
 /// A block with the chunk it lies in; both null if the system has no more.
 struct class_block {
@@ -31,7 +35,7 @@ struct class_block {
 /// What a pop leaves behind, in registers: the counters are not read again.
 struct popped {
   void* block;
-  uint64_t left;    ///< free blocks of the chunk
+  bool last;        ///< of the chunk's free blocks
   uint64_t in_use;  ///< of the heap
 };
 
@@ -39,10 +43,9 @@ struct popped {
 inline popped pop_block(ThreadHeap& heap, size_class& c, chunk_header& chunk) {
   free_block* const block = chunk.free_list;
   shadow::allow(block, c.block_bytes);
-  const uint64_t left = chunk.free_count - 1;
   chunk.free_list = block->next;
-  chunk.free_count = left;
-  return {block, left, heap.in_use.add(c.block_bytes)};
+  ++chunk.used;
+  return {block, chunk.free_list == nullptr, heap.in_use.add(c.block_bytes)};
 }
 
 /// A free block of the class, counted in in_use.
@@ -53,28 +56,30 @@ inline class_block take_class_block(size_class& c) {
     if (chunk == nullptr) return {nullptr, nullptr};
   }
   const popped taken = pop_block(*c.owner, c, *chunk);
-  if (taken.left == 0) [[unlikely]]
+  if (taken.last) [[unlikely]]
     move_to_full(c, *chunk);
   return {taken.block, chunk};
 }
 
-/// The owner's free of a block; returns whether the chunk is entirely free now.
-inline bool free_class_block(size_class& c, chunk_header& chunk, void* block) {
+/// Puts a block back into its chunk; returns whether that made the chunk usable or entirely free, so that its place must change.
+inline bool push_block(size_class& c, chunk_header& chunk, void* block) {
   free_block* const freed = static_cast<free_block*>(block);
-  freed->next = chunk.free_list;
+  free_block* const next = chunk.free_list;
+  freed->next = next;
   chunk.free_list = freed;
   shadow::forbid(block, c.block_bytes);
   c.owner->in_use.subtract(c.block_bytes);
-  // In one comparison: 1, which wraps, for a chunk that was full, or all.
-  const uint64_t count = ++chunk.free_count;
-  if (count - 2 >= c.blocks_per_chunk - 2) [[unlikely]]
-    return chunk_became_usable_or_free(c, chunk);
-  return false;
+  return (--chunk.used == 0) | (next == nullptr);
+}
+
+/// The owner's free of a block; returns whether the chunk is entirely free now.
+inline bool free_class_block(size_class& c, chunk_header& chunk, void* block) {
+  return push_block(c, chunk, block) && chunk_became_usable_or_free(c, chunk);
 }
 
 /// Looks without a lock whether other threads freed blocks; one that is pushed just after the look waits for the next call.
 inline void drain_remote_if_any(size_class& c) {
-  if (c.remote_chunks.load(std::memory_order_relaxed) != nullptr) [[unlikely]]
+  if (c.waiting.load(std::memory_order_relaxed) != nullptr) [[unlikely]]
     drain_remote(c);
 }
 

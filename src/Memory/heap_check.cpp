@@ -16,7 +16,7 @@ class heap_walk {
     for (size_class& c : heap_.classes) {
       if (!class_valid(c)) return false;
     }
-    if (heap_.headers().remote_bytes != 0 || blocks_of(heap_.headers()) != chunks_) return false;
+    if (heap_.headers().waiting_blocks != 0 || blocks_of(heap_.headers()) != chunks_) return false;
     if (!large_blocks_valid()) return false;
     if (heap_.orphaned && (spares_ != 0 || blocks_in_use_ + large_ == 0)) return false;
     return heap_.in_use.get() - heap_.outside == bytes_ + sizeof(ThreadHeap);
@@ -27,13 +27,14 @@ class heap_walk {
 
   uint64_t blocks_of(const size_class& c) const {
     uint64_t free = 0;
-    for (const chunk_header* chunk = c.available; chunk != nullptr; chunk = chunk->next)
-      free += chunk->free_count;
+    for (const chunk_header* chunk = c.available; chunk != nullptr; chunk = chunk->next) {
+      free += c.blocks_per_chunk - chunk->used;
+    }
     return c.chunks * c.blocks_per_chunk - free;
   }
 
   bool class_valid(size_class& c) {
-    if (c.owner != &heap_) return false;
+    if (c.owner != &heap_ || (c.waiting == &closed_list) != heap_.orphaned) return false;
     const uint64_t before = chunks_;
     if (!list_valid(c, c.full, place::full) || !list_valid(c, c.available, place::available)) return false;
     if (&c != heap_.classes) {
@@ -59,25 +60,25 @@ class heap_walk {
 
   bool chunk_valid(size_class& c, const chunk_header& chunk, place where) {
     if (&c != heap_.classes) ++chunks_;
-    const uint64_t count = chunk.free_count;
-    const bool count_fits = where == place::full    ? count == 0
-                            : where == place::spare ? count == c.blocks_per_chunk
-                                                    : count > 0 && count < c.blocks_per_chunk;
-    return chunk.owner_class == &c && count_fits && free_list_valid(c, chunk) && pages_valid(c, chunk);
+    const bool fits = where == place::full    ? chunk.used == c.blocks_per_chunk
+                      : where == place::spare ? chunk.used == 0
+                                              : chunk.used > 0 && chunk.used < c.blocks_per_chunk;
+    return chunk.owner_class == &c && fits && free_list_valid(c, chunk) && pages_valid(c, chunk);
   }
 
   static bool free_list_valid(const size_class& c, const chunk_header& chunk) {
+    const uint64_t expected = c.blocks_per_chunk - chunk.used;
     uint64_t count = 0;
     const char* const first = static_cast<const char*>(chunk.memory);
     for (const free_block* block = chunk.free_list; block != nullptr;) {
       const auto offset = static_cast<uint64_t>(reinterpret_cast<const char*>(block) - first);
-      if (++count > chunk.free_count || offset >= c.usable_bytes || offset % c.block_bytes != 0) return false;
+      if (++count > expected || offset >= c.usable_bytes || offset % c.block_bytes != 0) return false;
       shadow::allow(block, sizeof(free_block));
       const free_block* const next = block->next;
       shadow::forbid(block, sizeof(free_block));
       block = next;
     }
-    return count == chunk.free_count;
+    return count == expected;
   }
 
   static bool pages_valid(const size_class& c, const chunk_header& chunk) {

@@ -172,9 +172,8 @@ void heap_list_lock::visit(heap_visitor visitor, void* context) const {
       const std::lock_guard guard(heap->mutex);
       pending.large = pending_large_bytes(*heap);
     }
-    for (size_class& c : heap->classes) {
-      const std::lock_guard guard(c.mutex);
-      pending.small += c.remote_bytes;
+    for (const size_class& c : heap->classes) {
+      pending.small += c.waiting_blocks.load(std::memory_order_relaxed) * c.block_bytes;
     }
     visitor(*heap, pending, context);
   }
@@ -198,14 +197,10 @@ void end_current_heap() {
   holder = {};
   {
     // One hold of the heap's mutex from the first mark to the last release: a block that is freed at this moment is either
-    // taken back here or finds the mark of its class and waits for the mutex.
+    // taken back here or finds its class closed and waits for the mutex.
     const std::lock_guard guard(heap->mutex);
     heap->home.store(nullptr, std::memory_order_relaxed);
-    for (size_class& c : heap->classes) {
-      const std::lock_guard class_guard(c.mutex);
-      drain_remote_locked(c);
-      c.orphaned = true;
-    }
+    for (size_class& c : heap->classes) close_remote(c);
     reclaim_large_locked(*heap);
     release_spares(*heap);
     if (!is_empty(*heap)) {

@@ -35,7 +35,8 @@ Level* ensure_level(std::atomic<Level*>& link, const Level& absent, Make make) {
 
 bool page_map::create(const page_info& info) {
   page_shift_ = info.page_shift;
-  top_entries_ = uint64_t{1} << (address_bits - page_shift_ - 2 * level_bits);
+  VELORIM_ASSERT(shift() == page_shift_, "the processor's page size", "page_map::create");
+  top_entries_ = uint64_t{1} << (address_bits - shift() - 2 * level_bits);
   for (auto& leaf : no_middle.leaves) leaf.store(&no_leaf, std::memory_order_relaxed);
   top_ = static_cast<std::atomic<middle_level*>*>(std::calloc(top_entries_, sizeof *top_));
   if (top_ == nullptr) return false;
@@ -72,15 +73,15 @@ page_map::leaf_level* page_map::leaf_of(uint64_t page) {
 }
 
 void page_map::store(const void* memory, uint64_t count, chunk_header* chunk) {
-  const uint64_t first = reinterpret_cast<uintptr_t>(memory) >> page_shift_;
+  const uint64_t first = page_of(memory);
   for (uint64_t page = first; page < first + count; ++page) {
     leaf_of(page)->chunks[page & (level_entries - 1)].store(chunk, std::memory_order_relaxed);
   }
 }
 
 bool page_map::insert(const void* memory, uint64_t count, chunk_header* chunk) {
-  const uint64_t first = reinterpret_cast<uintptr_t>(memory) >> page_shift_;
-  VELORIM_ASSERT((first + count) >> (address_bits - page_shift_) == 0, "addresses have 48 bits",
+  const uint64_t first = page_of(memory);
+  VELORIM_ASSERT((first + count) >> (address_bits - shift()) == 0, "addresses have 48 bits",
                  "page_map::insert");
   // A chunk lies in two leaves at most.
   if (leaf_of(first) == nullptr || leaf_of(first + count - 1) == nullptr) return false;

@@ -37,7 +37,7 @@ class page_map {
 
   /// The chunk registered for the page of an address, or null.
   chunk_header* find(const void* address) const {
-    const uint64_t page = reinterpret_cast<uintptr_t>(address) >> page_shift_;
+    const uint64_t page = page_of(address);
     const middle_level* const middle = top_[page >> (2 * level_bits)].load(std::memory_order_acquire);
     const leaf_level* const leaf =
         middle->leaves[page >> level_bits & (level_entries - 1)].load(std::memory_order_acquire);
@@ -50,6 +50,14 @@ class page_map {
   void erase(const void* memory, uint64_t pages);
 
  private:
+  // A constant where the processor leaves no choice, which spares every look-up a load.
+#if defined(__x86_64__)
+  static constexpr uint32_t shift() { return 12; }
+#else
+  uint32_t shift() const { return page_shift_; }
+#endif
+  uint64_t page_of(const void* address) const { return reinterpret_cast<uintptr_t>(address) >> shift(); }
+
   struct leaf_level {
     std::atomic<chunk_header*> chunks[level_entries];
   };

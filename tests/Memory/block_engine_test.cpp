@@ -139,7 +139,7 @@ TEST_F(BlockEngine, RemoteFreesOfEveryClassComeBack) {
     for (int i = 1; i < size_class_count; ++i) {
       const uint64_t bytes = class_block_bytes[i];
       zfree(zalloc(bytes > headerless_bytes ? bytes - class_header_bytes : bytes, 0, FailFatal));
-      EXPECT_EQ(heap_of_thread()->classes[i].remote_bytes, 0u);
+      EXPECT_EQ(heap_of_thread()->classes[i].waiting_blocks, 0u);
     }
     zfree(zalloc(70000, 0, FailFatal));
     EXPECT_EQ(vlm::test::bytes_of_blocks(), 0);

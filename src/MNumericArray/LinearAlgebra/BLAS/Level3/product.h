@@ -248,7 +248,8 @@ template <class T, int Parts> class product {
       multiply(0, blocks);
       return;
     }
-    if (!careful_) parallel::for_chunks(strips, std::max<mint>(1, strips / (mint{4} * threads)), pack, threads);
+    if (!careful_)
+      parallel::for_chunks(strips, std::max<mint>(1, strips / (mint{4} * threads)), pack, threads);
     parallel::for_chunks(blocks, 1, multiply, threads);
   }
 
