@@ -14,6 +14,7 @@
 #include <cstring>
 #include <limits>
 #include <type_traits>
+#include <utility>
 
 #if defined(__x86_64__)
 #include <immintrin.h>
@@ -100,6 +101,15 @@ template <class V> inline V load(const number_of<V>* p) {
 }
 template <class V> inline void store(number_of<V>* p, V v) { std::memcpy(p, &v, sizeof v); }
 
+/// Has a value stay in its register, where the compiler would rather read memory again at every use.
+template <class V> inline void keep_in_register(V& v) {
+#if defined(__x86_64__)
+  asm("" : "+v"(v));
+#elif defined(__aarch64__)
+  asm("" : "+w"(v));
+#endif
+}
+
 /// The first n lanes (0 < n < count) from p, the others copies of the first; and the first n lanes to p.
 template <class V> inline V load_first(const number_of<V>* p, int64_t n) {
 #if defined(VELORIM_LANES_AVX512)
@@ -125,6 +135,33 @@ template <class V> inline void store_first(number_of<V>* p, V v, int64_t n) {
 #else
   for (int64_t i = 0; i < n; ++i) p[i] = v[i];
 #endif
+}
+
+namespace detail {
+template <class V, size_t... I> V picked(V a, V b, std::index_sequence<I...>) {
+  return __builtin_shufflevector(a, b, static_cast<int>(I)...);
+}
+template <size_t First, size_t Step, size_t... I> auto evenly(std::index_sequence<I...>) {
+  return std::index_sequence<(First + Step * I)...>{};
+}
+template <size_t First, size_t N, size_t... I> auto by_turns(std::index_sequence<I...>) {
+  return std::index_sequence<(First + I / 2 + I % 2 * N)...>{};
+}
+}  // namespace detail
+
+/// Two registers: real and imaginary parts, or the numbers of pairs as they lie in memory.
+template <class V> struct two_registers { V first, second; };
+/// From pairs as they lie to real and imaginary parts, and back.
+template <class V> inline two_registers<V> split_pairs(two_registers<V> pairs) {
+  constexpr std::make_index_sequence<lanes_of<V>::count> all;
+  return {detail::picked(pairs.first, pairs.second, detail::evenly<0, 2>(all)),
+          detail::picked(pairs.first, pairs.second, detail::evenly<1, 2>(all))};
+}
+template <class V> inline two_registers<V> join_pairs(two_registers<V> parts) {
+  constexpr size_t n = lanes_of<V>::count;
+  constexpr std::make_index_sequence<n> all;
+  return {detail::picked(parts.first, parts.second, detail::by_turns<0, n>(all)),
+          detail::picked(parts.first, parts.second, detail::by_turns<n / 2, n>(all))};
 }
 
 template <class V> inline typename lanes_of<V>::unsigned_bits to_bits(V v) {

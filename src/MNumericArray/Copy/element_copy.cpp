@@ -25,6 +25,17 @@ bool meet(byte_range a, byte_range b) {
   return before(a.first, b.last) && before(b.first, a.last);
 }
 
+/// count copies of an element of W bytes side by side, stored a block at a time.
+template <int W> void fill_run(char* to, const void* value, mint count) {
+  constexpr mint block_bytes = 64;
+  alignas(block_bytes) char block[block_bytes];
+  for (mint i = 0; i < block_bytes; i += W) std::memcpy(block + i, value, W);
+  const mint bytes = count * W;
+  mint i = 0;
+  for (; i + block_bytes <= bytes; i += block_bytes) std::memcpy(to + i, block, block_bytes);
+  std::memcpy(to + i, block, static_cast<size_t>(bytes - i));
+}
+
 }  // namespace
 
 void copy_run(void* target, const void* source, mint count, mint element_bytes) {
@@ -76,8 +87,7 @@ void fill_pattern(void* data, mint step, const void* values, mint value_count, m
         const element value = *from;
         for (mint i = first; i < first + length; ++i) to[i * step] = value;
       } else {
-        const element value = *from;
-        for (mint i = first; i < first + length; ++i) to[i] = value;
+        fill_run<W>(reinterpret_cast<char*>(to + first), from, length);
       }
     });
   });

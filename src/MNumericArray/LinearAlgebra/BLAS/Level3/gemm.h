@@ -59,8 +59,9 @@ void gemm(const char* tag, const char* transa, const char* transb, mint m, mint 
   const factor<T> right = {b, op_b == transposition::none ? 1 : ldb, op_b == transposition::none ? ldb : 1,
                            op_b == transposition::conjugated};
   if (op_a == transposition::none) {
-    scale<T, Parts>(m, n, beta, c, ldc);
-    product<T, Parts>(m, n, k, left, right, alpha, true, c, ldc).run();
+    const bool from_zero = factor_c == element{};
+    if (!from_zero) scale<T, Parts>(m, n, beta, c, ldc);
+    product<T, Parts>(m, n, k, left, right, alpha, true, c, ldc, from_zero).run();
     return;
   }
   // In pieces of columns whose sums fit the space at hand.
@@ -83,11 +84,10 @@ void gemm(const char* tag, const char* transa, const char* transb, mint m, mint 
   if (column <= room) {
     for (mint j0 = 0; j0 < n; j0 += room / column) {
       const mint width = std::min(room / column, n - j0);
-      std::fill_n(sums, column * width, T{0});
       product<T, Parts>(
           m, width, k, left,
           {b + j0 * right.column_step * Parts, right.row_step, right.column_step, right.conjugated}, one,
-          false, sums, m)
+          false, sums, m, true)
           .run();
       combine<T, Parts>(m, width, alpha, sums, beta, c + j0 * ldc * Parts, ldc);
     }
@@ -97,11 +97,10 @@ void gemm(const char* tag, const char* transa, const char* transb, mint m, mint 
   for (mint j = 0; j < n; ++j) {
     for (mint i0 = 0; i0 < m; i0 += stack_numbers / Parts) {
       const mint rows = std::min<mint>(stack_numbers / Parts, m - i0);
-      std::fill_n(sums, rows * Parts, T{0});
       product<T, Parts>(
           rows, 1, k, {a + i0 * left.row_step * Parts, left.row_step, left.column_step, left.conjugated},
           {b + j * right.column_step * Parts, right.row_step, right.column_step, right.conjugated}, one,
-          false, sums, rows)
+          false, sums, rows, true)
           .run();
       combine<T, Parts>(rows, 1, alpha, sums, beta, c + (i0 + j * ldc) * Parts, ldc);
     }
