@@ -48,7 +48,7 @@ template <class T, int Parts> class product {
       in_place_ = Parts == 1;
       alignas(64) T a_space[small_numbers];
       alignas(64) T b_space[small_numbers];
-      multiply_stretch(0, k_, 0, n_, a_space, b_space, m_, 1);
+      multiply_stretch(0, k_, 0, n_, a_space, b_space, {1, m_, m_});
     } else {
       run_blocks(threads);
     }
@@ -292,45 +292,57 @@ template <class T, int Parts> class product {
     }
   }
 
-  void multiply_stretch(mint l0, mint count, mint j0, mint width, T* a_space, T* b_space, mint rows_together,
-                        int threads) {
-    const mint strips = (width + columns - 1) / columns, blocks = (m_ + rows_together - 1) / rows_together;
-    const mint a_numbers = rounded(rows_together, strip) * count * Parts;
+  /// How the rows of C are shared out: each member of the team has as many as the others, but the last, and takes them in blocks.
+  struct shares {
+    int members;
+    mint rows;   ///< of a member
+    mint block;  ///< rows at once
+  };
+  shares share_out(int members) const {
+    const mint rows = rounded((m_ + members - 1) / members, strip);
+    const mint blocks = (rows + rows_at_once - 1) / rows_at_once;
+    return {members, rows, rounded((rows + blocks - 1) / blocks, strip)};
+  }
+
+  void multiply_stretch(mint l0, mint count, mint j0, mint width, T* a_space, T* b_space,
+                        const shares& shared) {
+    const mint strips = (width + columns - 1) / columns;
     const auto pack = [&](mint first, mint number) {
       for (mint s = first; s < first + number; ++s) {
         const mint j = s * columns;
         pack_b(l0, count, j0 + j, std::min<mint>(columns, width - j), b_space + j * count * Parts);
       }
     };
-    const auto multiply = [&](mint first, mint number) {
-      for (mint block = first; block < first + number; ++block) {
-        const mint i0 = block * rows_together, rows = std::min(rows_together, m_ - i0);
-        const mint member = threads > 1 ? omp_get_thread_num() : 0;
+    const auto multiply = [&](mint member, mint) {
+      T* const own_space = a_space + member * shared.block * count * Parts;
+      const mint end = std::min(m_, (member + 1) * shared.rows);
+      for (mint i0 = member * shared.rows; i0 < end; i0 += shared.block) {
+        const mint rows = std::min(shared.block, end - i0);
         if (careful_) {
           multiply_carefully(i0, rows, l0, count, j0, width);
         } else {
-          multiply_rows(i0, rows, l0, count, j0, width, a_space + member * a_numbers, b_space);
+          multiply_rows(i0, rows, l0, count, j0, width, own_space, b_space);
         }
       }
     };
-    if (threads == 1) {
-      if (!careful_ && !b_lies()) pack(0, strips);
-      multiply(0, blocks);
+    const bool packs = !careful_ && !b_lies();
+    if (shared.members == 1) {
+      if (packs) pack(0, strips);
+      multiply(0, 1);
       return;
     }
-    if (!careful_)
-      parallel::for_chunks(strips, std::max<mint>(1, strips / (mint{4} * threads)), pack, threads);
-    parallel::for_chunks(blocks, 1, multiply, threads);
+    if (packs) {
+      parallel::for_chunks(strips, std::max<mint>(1, strips / (mint{4} * shared.members)), pack,
+                           shared.members);
+    }
+    parallel::for_chunks(shared.members, 1, multiply, shared.members);
   }
 
   void run_blocks(int threads) {
-    // Blocks of rows of even size, a multiple of the threads, so that all end together.
-    const mint rounds = (m_ + rows_at_once * threads - 1) / (rows_at_once * threads);
-    const mint rows_together =
-        std::max<mint>(strip, rounded((m_ + rounds * threads - 1) / (rounds * threads), strip));
+    const shares shared = share_out(threads);
     const mint count = std::min(stretch, k_), width = std::min(columns_at_once, n_);
-    memory::working_space<T> a_space(
-        static_cast<uint64_t>(threads * rounded(rows_together, strip) * count * Parts), FailReport);
+    memory::working_space<T> a_space(static_cast<uint64_t>(threads * shared.block * count * Parts),
+                                     FailReport);
     memory::working_space<T> b_space(static_cast<uint64_t>(rounded(width, columns) * count * Parts),
                                      FailReport);
     if (!a_space || !b_space) {
@@ -340,7 +352,7 @@ template <class T, int Parts> class product {
     for (mint j0 = 0; j0 < n_; j0 += columns_at_once) {
       for (mint l0 = 0; l0 < k_; l0 += stretch) {
         multiply_stretch(l0, std::min(stretch, k_ - l0), j0, std::min(columns_at_once, n_ - j0),
-                         a_space.data(), b_space.data(), rows_together, threads);
+                         a_space.data(), b_space.data(), shared);
       }
     }
   }
