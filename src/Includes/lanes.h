@@ -164,6 +164,21 @@ template <class V> inline two_registers<V> join_pairs(two_registers<V> parts) {
           detail::picked(parts.first, parts.second, detail::by_turns<n / 2, n>(all))};
 }
 
+/// From N registers, N a power of two, to the sequence that takes a number of each by turns: the first numbers of all, then the second
+/// ones. With as many registers as lanes that is a transposition.
+template <class V, size_t N> inline void interleave(V (&registers)[N]) {
+  static_assert(std::has_single_bit(N));
+  for (size_t round = 1; round < N; round *= 2) {
+    V next[N];
+    for (size_t i = 0; i < N / 2; ++i) {
+      const two_registers<V> joined = join_pairs<V>({registers[i], registers[i + N / 2]});
+      next[2 * i] = joined.first;
+      next[2 * i + 1] = joined.second;
+    }
+    for (size_t i = 0; i < N; ++i) registers[i] = next[i];
+  }
+}
+
 template <class V> inline typename lanes_of<V>::unsigned_bits to_bits(V v) {
   return std::bit_cast<typename lanes_of<V>::unsigned_bits>(v);
 }

@@ -54,10 +54,10 @@ void gemm(const char* tag, const char* transa, const char* transb, mint m, mint 
   if (m == 0 || n == 0 || (nothing_to_add && factor_c == unit_of<element>::value)) return;
   if (nothing_to_add) return scale<T, Parts>(m, n, beta, c, ldc);
 
-  const factor<T> left = {a, op_a == transposition::none ? 1 : lda, op_a == transposition::none ? lda : 1,
-                          op_a == transposition::conjugated};
-  const factor<T> right = {b, op_b == transposition::none ? 1 : ldb, op_b == transposition::none ? ldb : 1,
-                           op_b == transposition::conjugated};
+  const factor<T, Parts> left = {a, op_a == transposition::none ? 1 : lda,
+                                 op_a == transposition::none ? lda : 1, op_a == transposition::conjugated};
+  const factor<T, Parts> right = {b, op_b == transposition::none ? 1 : ldb,
+                                  op_b == transposition::none ? ldb : 1, op_b == transposition::conjugated};
   if (op_a == transposition::none) {
     const bool from_zero = factor_c == element{};
     if (!from_zero) scale<T, Parts>(m, n, beta, c, ldc);

@@ -3,53 +3,37 @@
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
 
 #include "Arithmetic/Parallel/team.h"
+#include "MNumericArray/LinearAlgebra/BLAS/Level3/few_columns.h"
+#include "MNumericArray/LinearAlgebra/BLAS/Level3/packing.h"
 #include "MNumericArray/LinearAlgebra/BLAS/Level3/tile.h"
-#include "MNumericArray/LinearAlgebra/BLAS/calling_form.h"
 #include "Memory/working_space.h"
 
 namespace vlm::blas {
-
-/// A factor as it lies: element (row, column) is at data + (row * row_step + column * column_step) * Parts.
-template <class T> struct factor {
-  const T* data;
-  mint row_step;
-  mint column_step;
-  bool conjugated;
-};
 
 template <class T, int Parts> class product {
  public:
   /// `skips`: a row of A's columns whose factor in B is exactly 0 leaves no mark on C. alpha multiplies B's elements; 1 leaves them
   /// as they are. `from_zero`: the sums start from 0, whatever C holds.
-  product(mint m, mint n, mint k, factor<T> a, factor<T> b, const T* alpha, bool skips, T* c, mint ldc,
-          bool from_zero)
-      : m_(m),
-        n_(n),
-        k_(k),
-        a_(a),
-        b_(b),
-        alpha_(alpha),
-        skips_(skips),
-        from_zero_(from_zero),
-        c_(c),
-        ldc_(ldc) {
-    scales_ = !(alpha[0] == 1 && (Parts == 1 || alpha[Parts - 1] == 0));
-  }
+  product(mint m, mint n, mint k, const factor<T, Parts>& a, const factor<T, Parts>& b, const T* alpha,
+          bool skips, T* c, mint ldc, bool from_zero)
+      : m_(m), n_(n), k_(k), a_(a), b_(b, alpha), skips_(skips), from_zero_(from_zero), c_(c), ldc_(ldc) {}
 
   void run() {
     if (m_ == 0 || n_ == 0 || k_ == 0) return;
     if (skips_) find_marks();
     if (careful_) write_zeros();
     const int threads = parallel::use_team(work() >= team_work, 1) ? parallel::team_size() : 1;
-    if (threads == 1 && is_small()) {
-      in_place_ = Parts == 1;
+    const bool small = threads == 1 && is_small();
+    // What will be read once or twice is not laid out anew.
+    a_stays_ = Parts == 1 && a_.row_step == 1 && (small || n_ <= columns);
+    b_stays_ = Parts == 1 && !b_.scales && (small || m_ <= 2 * strip);
+    if (small) {
       alignas(64) T a_space[small_numbers];
       alignas(64) T b_space[small_numbers];
       multiply_stretch(0, k_, 0, n_, a_space, b_space, {1, m_, m_});
-    } else {
+    } else if (!(Parts == 1 && has_few_columns() && multiply_few(threads))) {
       run_blocks(threads);
     }
   }
@@ -64,6 +48,7 @@ template <class T, int Parts> class product {
       256;  ///< of k, so that a strip of A and one of B stay in the first-level cache
   static constexpr mint rows_at_once = 240;  ///< of A, in the second-level cache
   static constexpr mint columns_at_once = 2048;
+  static constexpr mint few_columns_rows = 1024;           ///< of C, in the first-level cache
   static constexpr mint small_numbers = 9216;              ///< room on the stack for either factor
   static constexpr double team_work = 96.0 * 96.0 * 96.0;  ///< multiplications that are worth the team
 
@@ -84,24 +69,34 @@ template <class T, int Parts> class product {
            rounded(n_, columns) * k_ * Parts <= small_numbers;
   }
 
-  const T* a_at(mint i, mint l) const { return a_.data + (i * a_.row_step + l * a_.column_step) * Parts; }
-  const T* b_at(mint l, mint j) const { return b_.data + (l * b_.row_step + j * b_.column_step) * Parts; }
+  bool has_few_columns() const {
+    return n_ <= few_columns && m_ > 2 * strip && a_.row_step == 1 && !careful_;
+  }
 
   static bool is_zero(const T* x) { return x[0] == 0 && (Parts == 1 || x[Parts - 1] == 0); }
 
-  /// Whether exact zeros in B can matter at all: where A is finite and C holds no -0, adding a zero changes nothing. The loops run
-  /// along the data as they lie and decide once a column.
+  /// Whether exact zeros in B can matter at all: where A is finite and C holds no -0, adding a zero changes nothing. The smaller
+  /// factor is looked at first, along the data as they lie.
   void find_marks() {
+    careful_ = m_ < n_ ? zeros_would_show() && b_holds_zero() : b_holds_zero() && zeros_would_show();
+  }
+  bool b_holds_zero() const {
     const bool by_columns = b_.row_step == 1;
     const mint lines = by_columns ? n_ : k_, length = by_columns ? k_ : n_;
-    bool zeros = false;
-    for (mint j = 0; j < lines && !zeros; ++j)
-      zeros = holds_zero(by_columns ? b_at(0, j) : b_at(j, 0), length);
-    if (!zeros) return;
-    for (mint j = 0; j < n_ && !careful_ && !from_zero_; ++j)
-      careful_ = holds_minus_zero(c_ + j * ldc_ * Parts, m_ * Parts);
+    for (mint j = 0; j < lines; ++j) {
+      if (holds_zero(by_columns ? b_.at(0, j) : b_.at(j, 0), length)) return true;
+    }
+    return false;
+  }
+  bool zeros_would_show() const {
+    for (mint j = 0; j < n_ && !from_zero_; ++j) {
+      if (holds_minus_zero(c_ + j * ldc_ * Parts, m_ * Parts)) return true;
+    }
     // Skips exist only for A as it lies, in columns.
-    for (mint l = 0; l < k_ && !careful_; ++l) careful_ = !all_finite(a_at(0, l), m_ * Parts);
+    for (mint l = 0; l < k_; ++l) {
+      if (!all_finite(a_.at(0, l), m_ * Parts)) return true;
+    }
+    return false;
   }
   /// Gives C the zeros from which its sums start, for loops that add to it.
   void write_zeros() {
@@ -127,85 +122,6 @@ template <class T, int Parts> class product {
     int found = 0;
     for (mint i = 0; i < length; ++i) found |= !(std::abs(line[i]) <= std::numeric_limits<T>::max());
     return found == 0;
-  }
-
-  /// An element of B as the tiles take it.
-  void put_b(mint l, mint j, T* to) const {
-    const T* const x = b_at(l, j);
-    if constexpr (Parts == 1) {
-      *to = scales_ ? alpha_[0] * x[0] : x[0];
-    } else {
-      const complex_pair<T> as_is = {x[0], b_.conjugated ? -x[1] : x[1]};
-      const complex_pair<T> scaled = scales_ ? complex_pair<T>{alpha_[0], alpha_[1]} * as_is : as_is;
-      to[0] = scaled.re;
-      to[1] = scaled.im;
-    }
-  }
-
-  /// A strip of B, `columns` wide, for a stretch: for each k its elements side by side.
-  void pack_b(mint l0, mint count, mint j0, mint width, T* to) const {
-    if (b_.row_step == 1 && !scales_ && !b_.conjugated) {
-      for (mint j = 0; j < width; ++j) {
-        const T* const from = b_at(l0, j0 + j);
-        for (mint l = 0; l < count; ++l) {
-          for (mint p = 0; p < Parts; ++p) to[(l * columns + j) * Parts + p] = from[l * Parts + p];
-        }
-      }
-      return;
-    }
-    for (mint j = 0; j < width; ++j) {
-      for (mint l = 0; l < count; ++l) put_b(l0 + l, j0 + j, to + (l * columns + j) * Parts);
-    }
-  }
-
-  /// Pairs into planes and back.
-  static void split_column(const T* pairs, mint number, T* re, T* im) {
-    mint i = 0;
-    for (; i + lanes <= number; i += lanes) {
-      const auto parts = split_pairs<V>({load<V>(pairs + 2 * i), load<V>(pairs + 2 * i + lanes)});
-      store(re + i, parts.first);
-      store(im + i, parts.second);
-    }
-    for (; i < number; ++i) {
-      re[i] = pairs[2 * i];
-      im[i] = pairs[2 * i + 1];
-    }
-  }
-  static void join_column(const T* re, const T* im, mint number, T* pairs) {
-    mint i = 0;
-    for (; i + lanes <= number; i += lanes) {
-      const auto joined = join_pairs<V>({load<V>(re + i), load<V>(im + i)});
-      store(pairs + 2 * i, joined.first);
-      store(pairs + 2 * i + lanes, joined.second);
-    }
-    for (; i < number; ++i) {
-      pairs[2 * i] = re[i];
-      pairs[2 * i + 1] = im[i];
-    }
-  }
-
-  /// A strip of A, rows filled up with zeros to `height`: for each k its planes.
-  void pack_a(mint i0, mint rows, mint height, mint l0, mint count, T* to) const {
-    if (rows < height) std::fill_n(to, count * height * Parts, T{0});
-    if (Parts == 1 && a_.row_step == 1) {
-      for (mint l = 0; l < count; ++l) std::copy_n(a_at(i0, l0 + l), rows, to + l * height);
-    } else if (a_.row_step == 1 && !a_.conjugated) {
-      for (mint l = 0; l < count; ++l) {
-        T* const re = to + l * height * Parts;
-        split_column(a_at(i0, l0 + l), rows, re, re + height);
-      }
-    } else {
-      const T sign = a_.conjugated ? T{-1} : T{1};
-      for (mint i = 0; i < rows; ++i) {
-        const T* const from = a_at(i0 + i, l0);
-        for (mint l = 0; l < count; ++l) {
-          T* const at = to + l * height * Parts + i;
-          const T* const x = from + l * a_.column_step * Parts;
-          at[0] = x[0];
-          if constexpr (Parts == 2) at[height] = sign * x[1];
-        }
-      }
-    }
   }
 
   /// One tile, through a copy of C where the tile is not full height or C is not in planes.
@@ -244,8 +160,7 @@ template <class T, int Parts> class product {
     }
   }
 
-  bool lies_in_strips(mint rows) const { return in_place_ && a_.row_step == 1 && rows % lanes == 0; }
-  bool b_lies() const { return in_place_ && !scales_; }
+  bool stays(mint rows) const { return a_stays_ && rows % lanes == 0; }
 
   /// All tiles of some rows, against strips of B that are packed.
   void multiply_rows(mint i0, mint rows, mint l0, mint count, mint j0, mint width, T* a_space,
@@ -253,18 +168,18 @@ template <class T, int Parts> class product {
     for (mint i = 0, here; i < rows; i += here) {
       here = strip_of(rows - i);
       const mint height = rounded(here, lanes);
-      if (!lies_in_strips(here)) pack_a(i0 + i, here, height, l0, count, a_space + i * count * Parts);
+      if (!stays(here)) pack_left(a_, i0 + i, here, height, l0, count, a_space + i * count * Parts);
     }
     for (mint j = 0; j < width; j += columns) {
       const int across = static_cast<int>(std::min<mint>(columns, width - j));
       for (mint i = 0, here; i < rows; i += here) {
         here = strip_of(rows - i);
         const int registers = static_cast<int>((here + lanes - 1) / lanes);
-        const bool as_it_lies = lies_in_strips(here);
-        multiply_tile(count, as_it_lies ? a_at(i0 + i, l0) : a_space + i * count * Parts,
+        const bool as_it_lies = stays(here);
+        multiply_tile(count, as_it_lies ? a_.at(i0 + i, l0) : a_space + i * count * Parts,
                       as_it_lies ? a_.column_step : registers * lanes * Parts, registers,
-                      b_lies() ? b_at(l0, j0 + j) : b_space + j * count * Parts,
-                      b_lies() ? b_.row_step : columns * Parts, b_lies() ? b_.column_step : Parts, i0 + i,
+                      b_stays_ ? b_.at(l0, j0 + j) : b_space + j * count * Parts,
+                      b_stays_ ? b_.row_step : columns * Parts, b_stays_ ? b_.column_step : Parts, i0 + i,
                       here, j0 + j, across, from_zero_ && l0 == 0);
       }
     }
@@ -274,11 +189,11 @@ template <class T, int Parts> class product {
   void multiply_carefully(mint i0, mint rows, mint l0, mint count, mint j0, mint width) const {
     for (mint j = j0; j < j0 + width; ++j) {
       for (mint l = l0; l < l0 + count; ++l) {
-        if (skips_ && is_zero(b_at(l, j))) continue;
+        if (skips_ && is_zero(b_.at(l, j))) continue;
         T x[Parts];
-        put_b(l, j, x);
+        b_.put(l, j, x);
         for (mint i = i0; i < i0 + rows; ++i) {
-          const T* const a = a_at(i, l);
+          const T* const a = a_.at(i, l);
           T* const c = c_ + (i + j * ldc_) * Parts;
           if constexpr (Parts == 1) {
             c[0] = fused(a[0], x[0], c[0]);
@@ -310,7 +225,8 @@ template <class T, int Parts> class product {
     const auto pack = [&](mint first, mint number) {
       for (mint s = first; s < first + number; ++s) {
         const mint j = s * columns;
-        pack_b(l0, count, j0 + j, std::min<mint>(columns, width - j), b_space + j * count * Parts);
+        pack_right<T, Parts, columns>(b_, l0, count, j0 + j, std::min<mint>(columns, width - j),
+                                      b_space + j * count * Parts);
       }
     };
     const auto multiply = [&](mint member, mint) {
@@ -325,7 +241,7 @@ template <class T, int Parts> class product {
         }
       }
     };
-    const bool packs = !careful_ && !b_lies();
+    const bool packs = !careful_ && !b_stays_;
     if (shared.members == 1) {
       if (packs) pack(0, strips);
       multiply(0, 1);
@@ -336,6 +252,25 @@ template <class T, int Parts> class product {
                            shared.members);
     }
     parallel::for_chunks(shared.members, 1, multiply, shared.members);
+  }
+
+  /// False, with nothing done, for complex numbers, which are always laid out in planes.
+  bool multiply_few([[maybe_unused]] int threads) {
+    if constexpr (Parts == 1) {
+      write_zeros();
+      const mint member_rows = rounded((m_ + threads - 1) / threads, lanes);
+      const auto multiply = [&](mint first, mint length) {
+        for (mint i = first; i < first + length; i += few_columns_rows) {
+          multiply_few_columns(i, std::min(few_columns_rows, first + length - i), n_, k_, a_, b_, c_, ldc_);
+        }
+      };
+      if (threads == 1) {
+        multiply(0, m_);
+      } else {
+        parallel::for_chunks(m_, member_rows, multiply, threads);
+      }
+    }
+    return Parts == 1;
   }
 
   void run_blocks(int threads) {
@@ -358,13 +293,13 @@ template <class T, int Parts> class product {
   }
 
   mint m_, n_, k_;
-  factor<T> a_, b_;
-  const T* alpha_;
+  factor<T, Parts> a_;
+  right_factor<T, Parts> b_;
   bool skips_;
   bool from_zero_;
-  bool scales_ = false;
   bool careful_ = false;
-  bool in_place_ = false;  ///< what lies as the tiles want it is not laid out anew: it will not be read often
+  bool a_stays_ = false;  ///< where it lies as the tiles want it
+  bool b_stays_ = false;
   T* c_;
   mint ldc_;
 };
