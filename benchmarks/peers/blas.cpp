@@ -34,15 +34,17 @@ template <class T, class Memory> struct multiplication {
   using function = void (*)(const char*, const char*, const mint*, const mint*, const mint*, const Memory*,
                             const Memory*, const mint*, const Memory*, const mint*, const Memory*, Memory*,
                             const mint*);
-  mint n;
+  mint m, n, k;
   std::vector<T> a, b, ours, theirs;
 
-  explicit multiplication(mint size)
-      : n(size),
-        a(random_numbers<T>(static_cast<size_t>(size * size))),
-        b(a.rbegin(), a.rend()),
-        ours(a.size()),
-        theirs(a.size()) {}
+  multiplication(mint rows, mint columns, mint inner)
+      : m(rows),
+        n(columns),
+        k(inner),
+        a(random_numbers<T>(static_cast<size_t>(rows * inner))),
+        b(random_numbers<T>(static_cast<size_t>(inner * columns))),
+        ours(static_cast<size_t>(rows * columns)),
+        theirs(ours.size()) {}
   void run(function f, std::vector<T>& c, int repeats) {
     const T one = 1, zero = 0;
     const auto memory = [](auto* p) {
@@ -51,15 +53,15 @@ template <class T, class Memory> struct multiplication {
       return reinterpret_cast<target>(p);
     };
     for (int i = 0; i < repeats; ++i) {
-      f("N", "N", &n, &n, &n, memory(&one), memory(std::as_const(a).data()), &n,
-        memory(std::as_const(b).data()), &n, memory(&zero), memory(c.data()), &n);
+      f("N", "N", &m, &n, &k, memory(&one), memory(std::as_const(a).data()), &m,
+        memory(std::as_const(b).data()), &k, memory(&zero), memory(c.data()), &m);
     }
   }
   bool agree() const {
     double worst = 0;
     for (size_t i = 0; i < ours.size(); ++i)
       worst = std::max(worst, static_cast<double>(std::abs(ours[i] - theirs[i])));
-    return worst <= 1e-6 * static_cast<double>(n) *
+    return worst <= 1e-6 * static_cast<double>(k) *
                         (sizeof(T) / (std::is_floating_point_v<T> ? 1 : 2) == 4 ? 10 : 1e-6);
   }
 };
@@ -73,14 +75,23 @@ void add_products(std::vector<peers::row>& rows, const char* letter,
   const auto set_threads = reinterpret_cast<void (*)(int)>(
       peers::symbol_of(openblas, "openblas_set_num_threads|openblas_set_num_threads64_"));
   if (theirs == nullptr || set_threads == nullptr) return;
-  for (const mint n : {64, 256, 1024}) {
-    const auto m = std::make_shared<work>(n);
-    const int repeats = n == 64 ? 200 : n == 256 ? 10 : 1;
-    for (const int threads : {1, 2}) {
-      const double flops =
-          (std::is_floating_point_v<T> ? 2.0 : 8.0) * static_cast<double>(n * n * n) * repeats;
-      rows.push_back({std::string("vlb_") + letter + "gemm, n = " + std::to_string(n) + ", " +
-                          std::to_string(threads) + (threads == 1 ? " thread" : " threads"),
+  struct shape {
+    const char* name;
+    mint m, n, k;
+    int most_threads;
+  };
+  constexpr shape shapes[] = {{"n = 64", 64, 64, 64, 2},         {"n = 256", 256, 256, 256, 2},
+                              {"n = 1024", 1024, 1024, 1024, 2}, {"n = 8", 8, 8, 8, 1},
+                              {"4 rows", 4, 1000, 1000, 1},      {"4 columns", 1000, 4, 1000, 1}};
+  for (const auto& [name, m_rows, n_columns, k_inner, most_threads] : shapes) {
+    const auto m = std::make_shared<work>(m_rows, n_columns, k_inner);
+    const double products =
+        static_cast<double>(m_rows) * static_cast<double>(n_columns) * static_cast<double>(k_inner);
+    const int repeats = static_cast<int>(1 + 3e7 / (products + 1e4));
+    for (int threads = 1; threads <= most_threads; ++threads) {
+      const double flops = (std::is_floating_point_v<T> ? 2.0 : 8.0) * products * repeats;
+      rows.push_back({std::string("vlb_") + letter + "gemm, " + name + ", " + std::to_string(threads) +
+                          (threads == 1 ? " thread" : " threads"),
                       "OpenBLAS",
                       [=] {
                         const mint before = setParallelThreadNumber(threads);

@@ -94,6 +94,13 @@ template <class V> inline V broadcast(number_of<V> x) {
   }
 }
 
+/// A pair in every two lanes.
+template <class V> inline V broadcast_pair(const number_of<V>* pair) {
+  V v;
+  for (int i = 0; i < lanes_of<V>::count; ++i) v[i] = pair[i % 2];
+  return v;
+}
+
 template <class V> inline V load(const number_of<V>* p) {
   V v;
   std::memcpy(&v, p, sizeof v);
@@ -144,6 +151,9 @@ template <class V, size_t... I> V picked(V a, V b, std::index_sequence<I...>) {
 template <size_t First, size_t Step, size_t... I> auto evenly(std::index_sequence<I...>) {
   return std::index_sequence<(First + Step * I)...>{};
 }
+template <size_t First, size_t... I> auto twice(std::index_sequence<I...>) {
+  return std::index_sequence<(I / 2 * 2 + First)...>{};
+}
 template <size_t First, size_t N, size_t... I> auto by_turns(std::index_sequence<I...>) {
   return std::index_sequence<(First + I / 2 + I % 2 * N)...>{};
 }
@@ -164,6 +174,13 @@ template <class V> inline two_registers<V> join_pairs(two_registers<V> parts) {
           detail::picked(parts.first, parts.second, detail::by_turns<n / 2, n>(all))};
 }
 
+/// Of pairs as they lie, the real part or the imaginary one of each in both of its places.
+template <class V> inline V both_real(V pairs) {
+  return detail::picked(pairs, pairs, detail::twice<0>(std::make_index_sequence<lanes_of<V>::count>{}));
+}
+template <class V> inline V both_imaginary(V pairs) {
+  return detail::picked(pairs, pairs, detail::twice<1>(std::make_index_sequence<lanes_of<V>::count>{}));
+}
 /// From N registers, N a power of two, to the sequence that takes a number of each by turns: the first numbers of all, then the second
 /// ones. With as many registers as lanes that is a transposition.
 template <class V, size_t N> inline void interleave(V (&registers)[N]) {

@@ -217,14 +217,16 @@ TYPED_TEST(Gemm, SkippedColumnsLeaveNoMark) {
 
 TYPED_TEST(Gemm, TheSameBitsOnAnyThreadsAndWithoutMemory) {
   random_problems random(12);
-  for (const int form : {0, 1, 2, 3}) {
-    auto p = random.make<TypeParam>(257, 131, 300);
-    p.transa = form < 2 ? 'N' : 'T';
+  constexpr mint shapes[][3] = {{257, 131, 300}, {3001, 3, 150}, {7, 450, 300}};
+  for (const int form : {0, 1, 2, 3, 4, 6, 8, 10}) {
+    const auto [m, n, k] = shapes[form / 4];
+    auto p = random.make<TypeParam>(m, n, k);
+    p.transa = form / 2 % 2 == 0 ? 'N' : 'T';
     const bool from_zero = form % 2 == 1;
     p.beta = TypeParam(from_zero ? 0 : 0.5);
     if (from_zero) std::fill(p.c.begin(), p.c.end(), TypeParam(NAN));
-    p.lda = 300;
-    p.a.resize(300 * 300, TypeParam(0.25));
+    p.lda = std::max(m, k);
+    p.a.resize(static_cast<size_t>(p.lda * p.lda), TypeParam(0.25));
     p.alpha = TypeParam(0.75);
     const mint before = setParallelThreadNumber(1);
     const auto one = p.computed();
@@ -232,8 +234,8 @@ TYPED_TEST(Gemm, TheSameBitsOnAnyThreadsAndWithoutMemory) {
     setParallelThreadNumber(2);
     expect_same(p.computed(), one, p);
     restoreParallelThreadNumber(before);
-    for (int64_t n = 0; n < 3; ++n) {
-      vlm::memory::fail_allocation_after(n);
+    for (int64_t allocations = 0; allocations < 3; ++allocations) {
+      vlm::memory::fail_allocation_after(allocations);
       expect_same(p.computed(), one, p);
       vlm::memory::fail_allocation_after(-1);
     }

@@ -8,55 +8,97 @@ namespace vlm::blas {
 
 inline constexpr mint few_columns = 4;
 
+/// An element of B as a column of A takes it. Complex: the pair for the real parts of the column, and that for the imaginary ones.
+template <class T, int Parts> struct column_factor {
+  T x[Parts][Parts];
+
+  explicit column_factor(const T* element) {
+    if constexpr (Parts == 1) {
+      x[0][0] = element[0];
+    } else {
+      x[0][0] = element[0], x[0][1] = element[1];
+      x[1][0] = -element[1], x[1][1] = element[0];
+    }
+  }
+};
+
+/// sum + column * factor for a register of numbers, of pairs if complex.
+template <class V, int Parts, class T> V add_product(V sum, V column, const column_factor<T, Parts>& factor) {
+  if constexpr (Parts == 1) {
+    return fused(column, broadcast<V>(factor.x[0][0]), sum);
+  } else {
+    return fused(both_imaginary(column), broadcast_pair<V>(factor.x[1]),
+                 fused(both_real(column), broadcast_pair<V>(factor.x[0]), sum));
+  }
+}
+/// The same for one element.
+template <int Parts, class T>
+void add_element(T* sum, const T* element, const column_factor<T, Parts>& factor) {
+  for (int q = 0; q < Parts; ++q) {
+    for (int p = 0; p < Parts; ++p) sum[p] = fused(element[q], factor.x[q][p], sum[p]);
+  }
+}
+
 /// Adds Together columns of A, times their factors in B, to rows of N columns of C; N is at most few_columns.
-template <class T, int N, int Together>
-void add_columns(mint rows, const T* a, mint lda, const T (&factors)[Together][N], T* c, mint ldc) {
+template <class T, int Parts, int N, int Together>
+void add_columns(mint l, mint i0, mint rows, const factor<T, Parts>& a, const right_factor<T, Parts>& b, T* c,
+                 mint ldc) {
   using V = register_of<T>;
   constexpr mint lanes = lanes_of<V>::count;
-  const auto add = [&]<class X>(mint i) {
-    X columns[Together];
-    for (int l = 0; l < Together; ++l) columns[l] = load<X>(a + l * lda + i);
-    for (int j = 0; j < N; ++j) {
-      X sum = load<X>(c + j * ldc + i);
-      for (int l = 0; l < Together; ++l) sum = fused(columns[l], broadcast<X>(factors[l][j]), sum);
-      store(c + j * ldc + i, sum);
-    }
-  };
+  const auto factors = [&]<int... I>(std::integer_sequence<int, I...>) {
+    const auto factor_at = [&](int index) {
+      T element[Parts];
+      b.put(l + index / N, index % N, element);
+      return column_factor<T, Parts>(element);
+    };
+    return std::array{factor_at(I)...};
+  }
+  (std::make_integer_sequence<int, Together * N>{});
+  const T* const first = a.at(i0, l);
+  const mint numbers = rows * Parts, a_step = a.column_step * Parts, c_step = ldc * Parts;
+  c += i0 * Parts;
   mint i = 0;
-  for (; i + lanes <= rows; i += lanes) add.template operator()<V>(i);
-  for (; i < rows; ++i) add.template operator()<T>(i);
-}
-
-template <class T, int N>
-void multiply_few_columns(mint i0, mint rows, mint k, const factor<T, 1>& a, const right_factor<T, 1>& b,
-                          T* c, mint ldc) {
-  constexpr int together = N == 1 ? 4 : 2;
-  const auto add = [&]<int Together>(mint l) {
-    T factors[Together][N];
-    for (int q = 0; q < Together; ++q) {
-      for (int j = 0; j < N; ++j) b.put(l + q, j, &factors[q][j]);
+  for (; i + lanes <= numbers; i += lanes) {
+    V columns[Together];
+    for (int q = 0; q < Together; ++q) columns[q] = load<V>(first + q * a_step + i);
+    for (int j = 0; j < N; ++j) {
+      V sum = load<V>(c + j * c_step + i);
+      for (int q = 0; q < Together; ++q) sum = add_product<V, Parts>(sum, columns[q], factors[q * N + j]);
+      store(c + j * c_step + i, sum);
     }
-    add_columns<T, N, Together>(rows, a.at(i0, l), a.column_step, factors, c + i0, ldc);
-  };
-  mint l = 0;
-  for (; l + together <= k; l += together) add.template operator()<together>(l);
-  for (; l < k; ++l) add.template operator()<1>(l);
+  }
+  for (; i < numbers; i += Parts) {
+    for (int j = 0; j < N; ++j) {
+      for (int q = 0; q < Together; ++q) {
+        add_element<Parts>(c + j * c_step + i, first + q * a_step + i, factors[q * N + j]);
+      }
+    }
+  }
 }
 
-/// Rows i0 to i0 + rows - 1 of the product; n is from 1 to few_columns.
-template <class T>
-void multiply_few_columns(mint i0, mint rows, mint n, mint k, const factor<T, 1>& a,
-                          const right_factor<T, 1>& b, T* c, mint ldc) {
+template <class T, int Parts, int N>
+void multiply_few_columns(mint i0, mint rows, mint k, const factor<T, Parts>& a,
+                          const right_factor<T, Parts>& b, T* c, mint ldc) {
+  constexpr int together = N == 1 ? 4 : 2;
+  mint l = 0;
+  for (; l + together <= k; l += together) add_columns<T, Parts, N, together>(l, i0, rows, a, b, c, ldc);
+  for (; l < k; ++l) add_columns<T, Parts, N, 1>(l, i0, rows, a, b, c, ldc);
+}
+
+/// Rows i0 to i0 + rows - 1 of the product; n is from 1 to few_columns. A is not conjugated.
+template <class T, int Parts>
+void multiply_few_columns(mint i0, mint rows, mint n, mint k, const factor<T, Parts>& a,
+                          const right_factor<T, Parts>& b, T* c, mint ldc) {
   static_assert(few_columns == 4);
   switch (n) {
     case 1:
-      return multiply_few_columns<T, 1>(i0, rows, k, a, b, c, ldc);
+      return multiply_few_columns<T, Parts, 1>(i0, rows, k, a, b, c, ldc);
     case 2:
-      return multiply_few_columns<T, 2>(i0, rows, k, a, b, c, ldc);
+      return multiply_few_columns<T, Parts, 2>(i0, rows, k, a, b, c, ldc);
     case 3:
-      return multiply_few_columns<T, 3>(i0, rows, k, a, b, c, ldc);
+      return multiply_few_columns<T, Parts, 3>(i0, rows, k, a, b, c, ldc);
     default:
-      return multiply_few_columns<T, 4>(i0, rows, k, a, b, c, ldc);
+      return multiply_few_columns<T, Parts, 4>(i0, rows, k, a, b, c, ldc);
   }
 }
 

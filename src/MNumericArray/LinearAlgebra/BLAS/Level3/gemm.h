@@ -21,13 +21,13 @@ template <class T, int Parts> void scale(mint m, mint n, const T* beta, T* c, mi
   }
 }
 
-/// c := alpha sum + beta c, sums in a block of m rows.
+/// c := alpha sum + beta c. The sums may lie in c itself if beta is 0.
 template <class T, int Parts>
-void combine(mint m, mint n, const T* alpha, const T* sums, const T* beta, T* c, mint ldc) {
+void combine(mint m, mint n, const T* alpha, const T* sums, mint ldsums, const T* beta, T* c, mint ldc) {
   using element = element_of<T, Parts>;
   const element a = *reinterpret_cast<const element*>(alpha), b = *reinterpret_cast<const element*>(beta);
   for (mint j = 0; j < n; ++j) {
-    const element* const sum = reinterpret_cast<const element*>(sums + j * m * Parts);
+    const element* const sum = reinterpret_cast<const element*>(sums + j * ldsums * Parts);
     element* const column = reinterpret_cast<element*>(c + j * ldc * Parts);
     for (mint i = 0; i < m; ++i) column[i] = b == element{} ? a * sum[i] : a * sum[i] + b * column[i];
   }
@@ -64,8 +64,14 @@ void gemm(const char* tag, const char* transa, const char* transb, mint m, mint 
     product<T, Parts>(m, n, k, left, right, alpha, true, c, ldc, from_zero).run();
     return;
   }
-  // In pieces of columns whose sums fit the space at hand.
   static constexpr T one[] = {1, 0};
+  if (factor_c == element{}) {
+    product<T, Parts>(m, n, k, left, right, one, false, c, ldc, true).run();
+    // A complex 1 is multiplied by too: it makes 0 of -0, and NaN beside infinity.
+    if (Parts == 2 || alpha[0] != 1) combine<T, Parts>(m, n, alpha, c, ldc, beta, c, ldc);
+    return;
+  }
+  // In pieces of columns whose sums fit the space at hand.
   constexpr mint stack_numbers = 8192, most_numbers = mint{1} << 22;
   alignas(64) T on_stack[stack_numbers];
   const mint column = m * Parts;
@@ -89,7 +95,7 @@ void gemm(const char* tag, const char* transa, const char* transb, mint m, mint 
           {b + j0 * right.column_step * Parts, right.row_step, right.column_step, right.conjugated}, one,
           false, sums, m, true)
           .run();
-      combine<T, Parts>(m, width, alpha, sums, beta, c + j0 * ldc * Parts, ldc);
+      combine<T, Parts>(m, width, alpha, sums, m, beta, c + j0 * ldc * Parts, ldc);
     }
     return;
   }
@@ -102,7 +108,7 @@ void gemm(const char* tag, const char* transa, const char* transb, mint m, mint 
           {b + j * right.column_step * Parts, right.row_step, right.column_step, right.conjugated}, one,
           false, sums, rows, true)
           .run();
-      combine<T, Parts>(rows, 1, alpha, sums, beta, c + (i0 + j * ldc) * Parts, ldc);
+      combine<T, Parts>(rows, 1, alpha, sums, rows, beta, c + (i0 + j * ldc) * Parts, ldc);
     }
   }
 }

@@ -28,12 +28,14 @@ template <class T, int Parts> class product {
     const bool small = threads == 1 && is_small();
     // What will be read once or twice is not laid out anew.
     a_stays_ = Parts == 1 && a_.row_step == 1 && (small || n_ <= columns);
-    b_stays_ = Parts == 1 && !b_.scales && (small || m_ <= 2 * strip);
+    b_stays_ = !b_.scales && !b_.conjugated && (small || m_ <= few_rows);
     if (small) {
       alignas(64) T a_space[small_numbers];
       alignas(64) T b_space[small_numbers];
       multiply_stretch(0, k_, 0, n_, a_space, b_space, {1, m_, m_});
-    } else if (!(Parts == 1 && has_few_columns() && multiply_few(threads))) {
+    } else if (has_few_columns()) {
+      multiply_few(threads);
+    } else {
       run_blocks(threads);
     }
   }
@@ -48,6 +50,8 @@ template <class T, int Parts> class product {
       256;  ///< of k, so that a strip of A and one of B stay in the first-level cache
   static constexpr mint rows_at_once = 240;  ///< of A, in the second-level cache
   static constexpr mint columns_at_once = 2048;
+  static constexpr mint columns_packed_at_once = 16;
+  static constexpr mint few_rows = 24;
   static constexpr mint few_columns_rows = 1024;           ///< of C, in the first-level cache
   static constexpr mint small_numbers = 9216;              ///< room on the stack for either factor
   static constexpr double team_work = 96.0 * 96.0 * 96.0;  ///< multiplications that are worth the team
@@ -63,6 +67,10 @@ template <class T, int Parts> class product {
     if (registers <= shape::registers || registers >= 2 * shape::registers) return std::min(strip, left);
     return (registers + 1) / 2 * lanes;
   }
+  /// Columns of the next tile, in the same way where B's strips are not laid out in full width.
+  mint columns_of(mint left) const {
+    return b_stays_ && left > columns && left < 2 * columns ? (left + 1) / 2 : std::min(columns, left);
+  }
   static mint rounded(mint value, mint to) { return (value + to - 1) / to * to; }
   bool is_small() const {
     return k_ <= stretch && rounded(m_, strip) * k_ * Parts <= small_numbers &&
@@ -70,7 +78,7 @@ template <class T, int Parts> class product {
   }
 
   bool has_few_columns() const {
-    return n_ <= few_columns && m_ > 2 * strip && a_.row_step == 1 && !careful_;
+    return n_ <= few_columns && m_ > few_rows && a_.row_step == 1 && !a_.conjugated && !careful_;
   }
 
   static bool is_zero(const T* x) { return x[0] == 0 && (Parts == 1 || x[Parts - 1] == 0); }
@@ -82,19 +90,20 @@ template <class T, int Parts> class product {
   }
   bool b_holds_zero() const {
     const bool by_columns = b_.row_step == 1;
-    const mint lines = by_columns ? n_ : k_, length = by_columns ? k_ : n_;
-    for (mint j = 0; j < lines; ++j) {
-      if (holds_zero(by_columns ? b_.at(0, j) : b_.at(j, 0), length)) return true;
-    }
-    return false;
+    return any_line(b_.data, by_columns ? n_ : k_, by_columns ? k_ : n_,
+                    by_columns ? b_.column_step : b_.row_step, holds_zero);
   }
   bool zeros_would_show() const {
-    for (mint j = 0; j < n_ && !from_zero_; ++j) {
-      if (holds_minus_zero(c_ + j * ldc_ * Parts, m_ * Parts)) return true;
-    }
+    if (!from_zero_ && any_line(c_, n_, m_, ldc_, holds_minus_zero)) return true;
     // Skips exist only for A as it lies, in columns.
-    for (mint l = 0; l < k_; ++l) {
-      if (!all_finite(a_.at(0, l), m_ * Parts)) return true;
+    return any_line(a_.data, k_, m_, a_.column_step, holds_non_finite);
+  }
+  /// Whether one of some lines of elements holds what `holds` looks for. Lines without gaps are one.
+  template <class Holds>
+  static bool any_line(const T* data, mint lines, mint length, mint step, Holds holds) {
+    if (step == length) return holds(data, lines * length);
+    for (mint i = 0; i < lines; ++i) {
+      if (holds(data + i * step * Parts, length)) return true;
     }
     return false;
   }
@@ -115,13 +124,13 @@ template <class T, int Parts> class product {
   }
   static bool holds_minus_zero(const T* line, mint length) {
     int found = 0;
-    for (mint i = 0; i < length; ++i) found |= to_bits(line[i]) == to_bits(-T{0});
+    for (mint i = 0; i < length * Parts; ++i) found |= to_bits(line[i]) == to_bits(-T{0});
     return found != 0;
   }
-  static bool all_finite(const T* line, mint length) {
+  static bool holds_non_finite(const T* line, mint length) {
     int found = 0;
-    for (mint i = 0; i < length; ++i) found |= !(std::abs(line[i]) <= std::numeric_limits<T>::max());
-    return found == 0;
+    for (mint i = 0; i < length * Parts; ++i) found |= !(std::abs(line[i]) <= std::numeric_limits<T>::max());
+    return found != 0;
   }
 
   /// One tile, through a copy of C where the tile is not full height or C is not in planes.
@@ -162,16 +171,26 @@ template <class T, int Parts> class product {
 
   bool stays(mint rows) const { return a_stays_ && rows % lanes == 0; }
 
-  /// All tiles of some rows, against strips of B that are packed.
+  /// The strips of some rows, side by side, unless they stay where they are. A that lies in columns is read some columns at a time, so
+  /// that each is read on from strip to strip.
+  void pack_strips(mint i0, mint rows, mint l0, mint count, T* a_space) const {
+    const mint at_once = a_.row_step == 1 ? columns_packed_at_once : count;
+    for (mint l = 0; l < count; l += at_once) {
+      for (mint i = 0, here; i < rows; i += here) {
+        here = strip_of(rows - i);
+        const mint height = rounded(here, lanes);
+        T* const to = a_space + (i * count + l * height) * Parts;
+        if (!stays(here)) pack_left(a_, i0 + i, here, height, l0 + l, std::min(at_once, count - l), to);
+      }
+    }
+  }
+
+  /// All tiles of some rows, against strips of B that are packed or stay where they are.
   void multiply_rows(mint i0, mint rows, mint l0, mint count, mint j0, mint width, T* a_space,
                      const T* b_space) const {
-    for (mint i = 0, here; i < rows; i += here) {
-      here = strip_of(rows - i);
-      const mint height = rounded(here, lanes);
-      if (!stays(here)) pack_left(a_, i0 + i, here, height, l0, count, a_space + i * count * Parts);
-    }
-    for (mint j = 0; j < width; j += columns) {
-      const int across = static_cast<int>(std::min<mint>(columns, width - j));
+    pack_strips(i0, rows, l0, count, a_space);
+    for (mint j = 0, across; j < width; j += across) {
+      across = columns_of(width - j);
       for (mint i = 0, here; i < rows; i += here) {
         here = strip_of(rows - i);
         const int registers = static_cast<int>((here + lanes - 1) / lanes);
@@ -179,8 +198,9 @@ template <class T, int Parts> class product {
         multiply_tile(count, as_it_lies ? a_.at(i0 + i, l0) : a_space + i * count * Parts,
                       as_it_lies ? a_.column_step : registers * lanes * Parts, registers,
                       b_stays_ ? b_.at(l0, j0 + j) : b_space + j * count * Parts,
-                      b_stays_ ? b_.row_step : columns * Parts, b_stays_ ? b_.column_step : Parts, i0 + i,
-                      here, j0 + j, across, from_zero_ && l0 == 0);
+                      b_stays_ ? b_.row_step * Parts : columns * Parts,
+                      b_stays_ ? b_.column_step * Parts : Parts, i0 + i, here, j0 + j,
+                      static_cast<int>(across), from_zero_ && l0 == 0);
       }
     }
   }
@@ -254,23 +274,18 @@ template <class T, int Parts> class product {
     parallel::for_chunks(shared.members, 1, multiply, shared.members);
   }
 
-  /// False, with nothing done, for complex numbers, which are always laid out in planes.
-  bool multiply_few([[maybe_unused]] int threads) {
-    if constexpr (Parts == 1) {
-      write_zeros();
-      const mint member_rows = rounded((m_ + threads - 1) / threads, lanes);
-      const auto multiply = [&](mint first, mint length) {
-        for (mint i = first; i < first + length; i += few_columns_rows) {
-          multiply_few_columns(i, std::min(few_columns_rows, first + length - i), n_, k_, a_, b_, c_, ldc_);
-        }
-      };
-      if (threads == 1) {
-        multiply(0, m_);
-      } else {
-        parallel::for_chunks(m_, member_rows, multiply, threads);
+  void multiply_few(int threads) {
+    write_zeros();
+    const auto multiply = [&](mint first, mint length) {
+      for (mint i = first; i < first + length; i += few_columns_rows) {
+        multiply_few_columns(i, std::min(few_columns_rows, first + length - i), n_, k_, a_, b_, c_, ldc_);
       }
+    };
+    if (threads == 1) {
+      multiply(0, m_);
+    } else {
+      parallel::for_chunks(m_, rounded((m_ + threads - 1) / threads, lanes), multiply, threads);
     }
-    return Parts == 1;
   }
 
   void run_blocks(int threads) {
