@@ -94,13 +94,6 @@ template <class V> inline V broadcast(number_of<V> x) {
   }
 }
 
-/// A pair in every two lanes.
-template <class V> inline V broadcast_pair(const number_of<V>* pair) {
-  V v;
-  for (int i = 0; i < lanes_of<V>::count; ++i) v[i] = pair[i % 2];
-  return v;
-}
-
 template <class V> inline V load(const number_of<V>* p) {
   V v;
   std::memcpy(&v, p, sizeof v);
@@ -151,6 +144,7 @@ template <class V, size_t... I> V picked(V a, V b, std::index_sequence<I...>) {
 template <size_t First, size_t Step, size_t... I> auto evenly(std::index_sequence<I...>) {
   return std::index_sequence<(First + Step * I)...>{};
 }
+template <size_t... I> auto first_two(std::index_sequence<I...>) { return std::index_sequence<(I % 2)...>{}; }
 template <size_t First, size_t... I> auto twice(std::index_sequence<I...>) {
   return std::index_sequence<(I / 2 * 2 + First)...>{};
 }
@@ -174,6 +168,11 @@ template <class V> inline two_registers<V> join_pairs(two_registers<V> parts) {
           detail::picked(parts.first, parts.second, detail::by_turns<n / 2, n>(all))};
 }
 
+/// A pair in every two lanes.
+template <class V> inline V broadcast_pair(const number_of<V>* pair) {
+  const V once = {pair[0], pair[1]};
+  return detail::picked(once, once, detail::first_two(std::make_index_sequence<lanes_of<V>::count>{}));
+}
 /// Of pairs as they lie, the real part or the imaginary one of each in both of its places.
 template <class V> inline V both_real(V pairs) {
   return detail::picked(pairs, pairs, detail::twice<0>(std::make_index_sequence<lanes_of<V>::count>{}));

@@ -8,13 +8,11 @@
 #include <cstdlib>
 
 #include "Memory/failure_injection.h"
+#include "Memory/large_blocks.h"
 #include "Memory/shadow.h"
 
 namespace vlm::memory {
 namespace {
-
-/// The bound of what one heap keeps.
-constexpr uint64_t most_kept_bytes = uint64_t{64} << 20;
 
 bool is_mapped(const size_class& c) { return c.chunk_pages != 0; }
 
@@ -77,6 +75,7 @@ void give_chunk_memory(size_class& c, void* memory) {
 
 void release_kept_memory(ThreadHeap& heap) {
   for (size_class& c : heap.classes) release_list(c);
+  release_kept_large_blocks(heap);
 }
 
 page_info read_page_info() {

@@ -12,7 +12,7 @@ namespace vlm::memory {
 void* take_chunk_memory(size_class& c);
 /// Gives it back, or keeps it for the heap's next chunk.
 void give_chunk_memory(size_class& c, void* memory);
-/// Gives the system all that the heap keeps.
+/// Gives the system all that the heap keeps, large blocks too.
 void release_kept_memory(ThreadHeap& heap);
 
 /// Reads the page geometry from the system.

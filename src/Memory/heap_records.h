@@ -55,6 +55,9 @@ static_assert(sizeof(chunk_header) == chunk_header_bytes);
 
 inline constexpr uint64_t mapped_chunk_bytes = 0x10000;
 
+/// The bound of the memory that one heap keeps for its next chunks and large blocks.
+inline constexpr uint64_t most_kept_bytes = uint64_t{64} << 20;
+
 struct alignas(64) size_class {
   // What every allocation and free looks at comes first, in one cache line; what other threads write, in another.
   ThreadHeap* owner;
@@ -93,7 +96,9 @@ struct ThreadHeap : heap_accounts {
   large_block_header* large_blocks = nullptr;
   std::atomic<large_block_header*> pending_large{nullptr};
   free_block* kept_mappings = nullptr;  ///< as `kept` of a class, for all classes of mapped chunks together
-  uint64_t kept_bytes = 0;              ///< of both kinds
+  large_block_header* kept_large =
+      nullptr;              ///< freed large blocks, the latest first, for requests of the same size
+  uint64_t kept_bytes = 0;  ///< of all three kinds
   std::mutex mutex;
   bool orphaned = false;
 

@@ -223,8 +223,8 @@ void tear_down() {
       release_all_chunks(heap->classes[i]);
     }
     release_all_chunks(heap->headers());
-    release_kept_memory(*heap);
     free_all_large_blocks(*heap);
+    release_kept_memory(*heap);
     destroy_heap(heap);
     heap = older;
   }

@@ -15,7 +15,9 @@ bool leave_to_owner(large_block_header& block);
 /// Takes back all large blocks that other threads freed; the second form under a mutex that the caller holds.
 void reclaim_large(ThreadHeap& heap);
 void reclaim_large_locked(ThreadHeap& heap);
-/// Frees every large block of the heap.
+/// Gives the system the large blocks that the heap keeps.
+void release_kept_large_blocks(ThreadHeap& heap);
+/// Frees every large block of the heap; some may be kept.
 void free_all_large_blocks(ThreadHeap& heap);
 /// Bytes that wait on the pending list; under the heap's mutex.
 uint64_t pending_large_bytes(const ThreadHeap& heap);

@@ -158,4 +158,29 @@ TEST_F(BlockEngine, AFreedChunkLeavesThePageMap) {
   });
 }
 
+TEST_F(BlockEngine, AHeapKeepsSomeFreedLargeBlocksForTheSameSize) {
+  on_fresh_thread([] {
+    const ThreadHeap& heap = *static_cast<ThreadHeap*>(current_heap());
+    const int64_t start = MemoryInUse();
+    void* const block = zalloc(100000, 0, FailFatal);
+    zfree(block);
+    EXPECT_EQ(MemoryInUse(), start);
+    void* const other = zalloc(100008, 0, FailFatal);
+    EXPECT_NE(other, block) << "another size would show in the accounts";
+    void* const again = zalloc(100000, 0, FailFatal);
+    EXPECT_EQ(again, block);
+    std::memset(again, 1, 100000);
+    zfree(again);
+    zfree(other);
+    for (uint64_t size = 200000; size < 200000 + 20 * 8; size += 8) zfree(zalloc(size, 0, FailFatal));
+    EXPECT_LE(heap.kept_bytes, 8u * 200200) << "the latest few";
+    zfree(zalloc(most_kept_bytes / 2, 0, FailFatal));
+    EXPECT_LE(heap.kept_bytes, 8u * 200200) << "no single block takes most of the room";
+    CompactifyMemory();
+    EXPECT_EQ(heap.kept_bytes, 0u);
+    EXPECT_EQ(MemoryInUse(), start);
+    EXPECT_TRUE(heapIsValid(*heap_of_thread()));
+  });
+}
+
 }  // namespace

@@ -8,34 +8,35 @@ namespace vlm::blas {
 
 inline constexpr mint few_columns = 4;
 
-/// An element of B as a column of A takes it. Complex: the pair for the real parts of the column, and that for the imaginary ones.
-template <class T, int Parts> struct column_factor {
-  T x[Parts][Parts];
+/// An element of B as a register of a column of A takes it. Complex: the pairs for the column's real parts, and for its imaginary ones.
+template <class V, int Parts> struct column_factor {
+  using T = number_of<V>;
+  V x[Parts];
 
   explicit column_factor(const T* element) {
     if constexpr (Parts == 1) {
-      x[0][0] = element[0];
+      x[0] = broadcast<V>(element[0]);
     } else {
-      x[0][0] = element[0], x[0][1] = element[1];
-      x[1][0] = -element[1], x[1][1] = element[0];
+      const T turned[] = {-element[1], element[0]};
+      x[0] = broadcast_pair<V>(element);
+      x[1] = broadcast_pair<V>(turned);
     }
   }
 };
 
 /// sum + column * factor for a register of numbers, of pairs if complex.
-template <class V, int Parts, class T> V add_product(V sum, V column, const column_factor<T, Parts>& factor) {
+template <class V, int Parts> V add_product(V sum, V column, const column_factor<V, Parts>& factor) {
   if constexpr (Parts == 1) {
-    return fused(column, broadcast<V>(factor.x[0][0]), sum);
+    return fused(column, factor.x[0], sum);
   } else {
-    return fused(both_imaginary(column), broadcast_pair<V>(factor.x[1]),
-                 fused(both_real(column), broadcast_pair<V>(factor.x[0]), sum));
+    return fused(both_imaginary(column), factor.x[1], fused(both_real(column), factor.x[0], sum));
   }
 }
 /// The same for one element.
-template <int Parts, class T>
-void add_element(T* sum, const T* element, const column_factor<T, Parts>& factor) {
+template <class V, int Parts>
+void add_element(number_of<V>* sum, const number_of<V>* element, const column_factor<V, Parts>& factor) {
   for (int q = 0; q < Parts; ++q) {
-    for (int p = 0; p < Parts; ++p) sum[p] = fused(element[q], factor.x[q][p], sum[p]);
+    for (int p = 0; p < Parts; ++p) sum[p] = fused(element[q], number_of<V>(factor.x[q][p]), sum[p]);
   }
 }
 
@@ -49,7 +50,7 @@ void add_columns(mint l, mint i0, mint rows, const factor<T, Parts>& a, const ri
     const auto factor_at = [&](int index) {
       T element[Parts];
       b.put(l + index / N, index % N, element);
-      return column_factor<T, Parts>(element);
+      return column_factor<V, Parts>(element);
     };
     return std::array{factor_at(I)...};
   }
@@ -63,14 +64,14 @@ void add_columns(mint l, mint i0, mint rows, const factor<T, Parts>& a, const ri
     for (int q = 0; q < Together; ++q) columns[q] = load<V>(first + q * a_step + i);
     for (int j = 0; j < N; ++j) {
       V sum = load<V>(c + j * c_step + i);
-      for (int q = 0; q < Together; ++q) sum = add_product<V, Parts>(sum, columns[q], factors[q * N + j]);
+      for (int q = 0; q < Together; ++q) sum = add_product(sum, columns[q], factors[q * N + j]);
       store(c + j * c_step + i, sum);
     }
   }
   for (; i < numbers; i += Parts) {
     for (int j = 0; j < N; ++j) {
       for (int q = 0; q < Together; ++q) {
-        add_element<Parts>(c + j * c_step + i, first + q * a_step + i, factors[q * N + j]);
+        add_element(c + j * c_step + i, first + q * a_step + i, factors[q * N + j]);
       }
     }
   }
