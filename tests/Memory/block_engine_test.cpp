@@ -3,6 +3,7 @@
 // taken back in the wrong class; a failed request to the system that leaves a header or a mapping behind.
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <thread>
 #include <vector>
 
