@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <source_location>
 
 #include "Memory/block_engine.h"
 #include "Memory/failure_injection.h"
@@ -21,13 +20,15 @@ inline int64_t bytes_of_blocks() {
 /// Fails the test if the calling thread does not hold as many bytes when it goes as when it came.
 class AllocationBalance {
  public:
-  explicit AllocationBalance(std::source_location where = std::source_location::current()) : where_(where) {
+  // The place of the caller; not std::source_location, which clang has only from version 16 on.
+  explicit AllocationBalance(const char* file = __builtin_FILE(), int line = __builtin_LINE())
+      : file_(file), line_(line) {
     CompactifyMemory();
     start_ = bytes_of_blocks();
   }
   ~AllocationBalance() {
     CompactifyMemory();
-    EXPECT_EQ(difference(), 0) << "bytes still in use since " << where_.file_name() << ":" << where_.line();
+    EXPECT_EQ(difference(), 0) << "bytes still in use since " << file_ << ":" << line_;
   }
   AllocationBalance(const AllocationBalance&) = delete;
   AllocationBalance& operator=(const AllocationBalance&) = delete;
@@ -35,7 +36,8 @@ class AllocationBalance {
   int64_t difference() const { return bytes_of_blocks() - start_; }
 
  private:
-  std::source_location where_;
+  const char* file_;
+  int line_;
   int64_t start_;
 };
 

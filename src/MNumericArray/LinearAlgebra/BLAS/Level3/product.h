@@ -1,4 +1,10 @@
-// C := C + A B, or C := A B, in blocks: stretches of k, for which all of B that is needed and then rows of A are laid out for the tiles.
+// C := C + A B, or C := A B. Every way below makes each element by the same chain, k ascending:
+//
+//   small       factors where they lie, or laid out on the stack; no allocation
+//   few rows    B where it lies; members of the team share the columns
+//   few columns A where it lies, read once (few_columns.h); members share the rows
+//   blocks      stretches of k, for which all of B that is needed and then rows of A are laid out for the tiles; members share the rows
+//   carefully   the reference's loops, for data on which a zero in B leaves out something that would show
 #pragma once
 
 #include <algorithm>
@@ -33,8 +39,10 @@ template <class T, int Parts> class product {
       alignas(64) T a_space[small_numbers];
       alignas(64) T b_space[small_numbers];
       multiply_stretch(0, k_, 0, n_, a_space, b_space, {1, m_, m_});
+    } else if (m_ <= few_rows && b_stays_) {
+      run_few_rows(threads);
     } else if (has_few_columns()) {
-      multiply_few(threads);
+      run_few_columns(threads);
     } else {
       run_blocks(threads);
     }
@@ -52,6 +60,7 @@ template <class T, int Parts> class product {
   static constexpr mint columns_at_once = 2048;
   static constexpr mint columns_packed_at_once = 16;
   static constexpr mint few_rows = 24;
+  static constexpr mint few_rows_space = (few_rows + lanes) * stretch * Parts;
   static constexpr mint few_columns_rows = 1024;           ///< of C, in the first-level cache
   static constexpr mint small_numbers = 9216;              ///< room on the stack for either factor
   static constexpr double team_work = 96.0 * 96.0 * 96.0;  ///< multiplications that are worth the team
@@ -64,12 +73,11 @@ template <class T, int Parts> class product {
   /// latency of an addition.
   static mint strip_of(mint left) {
     const mint registers = (left + lanes - 1) / lanes;
-    if (registers <= shape::registers || registers >= 2 * shape::registers) return std::min(strip, left);
-    return (registers + 1) / 2 * lanes;
+    return registers <= shape::registers ? left : std::min(strip, (registers + 1) / 2 * lanes);
   }
   /// Columns of the next tile, in the same way where B's strips are not laid out in full width.
   mint columns_of(mint left) const {
-    return b_stays_ && left > columns && left < 2 * columns ? (left + 1) / 2 : std::min(columns, left);
+    return b_stays_ && left > columns ? std::min(columns, (left + 1) / 2) : std::min(columns, left);
   }
   static mint rounded(mint value, mint to) { return (value + to - 1) / to * to; }
   bool is_small() const {
@@ -274,7 +282,21 @@ template <class T, int Parts> class product {
     parallel::for_chunks(shared.members, 1, multiply, shared.members);
   }
 
-  void multiply_few(int threads) {
+  void run_few_rows(int threads) {
+    const auto multiply = [&](mint j0, mint width) {
+      alignas(64) T a_space[few_rows_space];
+      for (mint l0 = 0; l0 < k_; l0 += stretch) {
+        multiply_stretch(l0, std::min(stretch, k_ - l0), j0, width, a_space, nullptr, {1, m_, m_});
+      }
+    };
+    if (threads == 1) {
+      multiply(0, n_);
+    } else {
+      parallel::for_chunks(n_, rounded((n_ + threads - 1) / threads, columns), multiply, threads);
+    }
+  }
+
+  void run_few_columns(int threads) {
     write_zeros();
     const auto multiply = [&](mint first, mint length) {
       for (mint i = first; i < first + length; i += few_columns_rows) {
