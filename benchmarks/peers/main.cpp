@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <limits>
 #include <sstream>
 
@@ -61,6 +62,14 @@ bool measure(const row& r, int rounds) {
   return correct;
 }
 
+std::string processor_name() {
+  std::ifstream about("/proc/cpuinfo");
+  for (std::string line; std::getline(about, line);) {
+    if (line.starts_with("model name")) return line.substr(line.find(':') + 2);
+  }
+  return "unknown processor";
+}
+
 }  // namespace
 
 registered_group::registered_group(const char* name, group rows) { groups().push_back({name, rows}); }
@@ -88,6 +97,8 @@ int main(int argc, char** argv) {
     }
   }
   VelorimRTL_initialize();
+  std::printf("%s, %lld processors; fastest call of %d rounds\n\n", peers::processor_name().c_str(),
+              static_cast<long long>(getProcessorCount()), rounds);
   bool correct = true;
   for (const auto& [name, rows] : peers::groups()) {
     if (std::string(name).find(wanted) == std::string::npos) continue;
