@@ -120,7 +120,8 @@ int64_t* FullMemoryInformation(mint* countOut, int32_t what) VLM_NOEXCEPT;
 /** Releases such an array; NULL is ignored. */
 void freeMemorySizeArray(int64_t* array) VLM_NOEXCEPT;
 
-/** Takes back every thread's blocks that other threads freed. No other thread may be allocating or freeing. */
+/** Takes back every thread's blocks that other threads freed, and gives the system what each thread keeps of freed memory for its
+ *  next allocations, up to 64 MB, which counts nowhere. No other thread may be allocating or freeing. */
 void CompactifyMemory(void) VLM_NOEXCEPT;
 
 /** The root record; NULL before the allocator is first used. */
