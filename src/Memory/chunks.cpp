@@ -92,19 +92,11 @@ free_block* link_of(const size_class& c, void* block) {
                                        (c.chunk_pages != 0 ? 0 : class_header_bytes));
 }
 
-/// The block behind such a link, with its chunk.
-class_block block_of(const size_class& c, free_block* link) {
-  if (c.chunk_pages != 0) return {link, pages.find(link)};
-  uint64_t* const word = reinterpret_cast<uint64_t*>(link) - 1;
-  shadow::allow(word, sizeof *word);
-  return {word, reinterpret_cast<chunk_header*>(*word & ~chunk_bit)};
-}
-
 /// Frees the blocks of a waiting list that was taken whole.
 void take_back(size_class& c, free_block* list) {
   uint64_t blocks = 0;
   while (list != nullptr) {
-    const class_block waited = block_of(c, list);
+    const class_block waited = waiting_block(c, list);
     list = list->next;
     shadow::allow(waited.block, c.block_bytes);
     free_class_block(c, *waited.chunk, waited.block);
@@ -114,6 +106,13 @@ void take_back(size_class& c, free_block* list) {
 }
 
 }  // namespace
+
+class_block waiting_block(const size_class& c, free_block* link) {
+  if (c.chunk_pages != 0) return {link, pages.find(link)};
+  uint64_t* const word = reinterpret_cast<uint64_t*>(link) - 1;
+  shadow::allow(word, sizeof *word);
+  return {word, reinterpret_cast<chunk_header*>(*word & ~chunk_bit)};
+}
 
 void set_up_classes(ThreadHeap& heap) {
   const uint64_t pages_per_chunk = read_page_info().pages_per_chunk;

@@ -6,6 +6,12 @@
 
 namespace vlm::memory {
 
+/// A block with the chunk it lies in; both null if the system has no more.
+struct class_block {
+  void* block;
+  chunk_header* chunk;
+};
+
 /// Adds a chunk of free blocks to the class, the spare or a new one; null if the system has no more.
 chunk_header* more_blocks(size_class& c) noexcept;
 /// Keeps a chunk's place in step with its free blocks after a free that made it usable again or entirely free.
@@ -20,17 +26,13 @@ void release_all_chunks(size_class& c);
 void drain_remote(size_class& c) noexcept;
 /// The same for good: from now on leave_to_owner refuses.
 void close_remote(size_class& c);
+/// A block on a class's waiting list, from the word that links it, with its chunk.
+class_block waiting_block(const size_class& c, free_block* link);
 /// Another thread's free: leaves the block waiting. False, with nothing done, if the class is closed.
 bool leave_to_owner(size_class& c, void* block);
 
 /// Set in the word ahead of a block of the classes above headerless_bytes; the rest of that word is the chunk's address.
 inline constexpr uint64_t chunk_bit = 1;
-
-/// A block with the chunk it lies in; both null if the system has no more.
-struct class_block {
-  void* block;
-  chunk_header* chunk;
-};
 
 /// What a pop leaves behind, in registers: the counters are not read again.
 struct popped {

@@ -1,7 +1,7 @@
 // The invariants of heap_records.h as code.
 #include <cstdlib>
 
-#include "Memory/heap_records.h"
+#include "Memory/chunks.h"
 #include "Memory/shadow.h"
 
 namespace vlm::memory {
@@ -16,9 +16,11 @@ class heap_walk {
     for (size_class& c : heap_.classes) {
       if (!class_valid(c)) return false;
     }
-    if (heap_.headers().waiting_blocks != 0 || blocks_of(heap_.headers()) != chunks_) return false;
+    if (heap_.headers().waiting_blocks != 0 || !kept_valid() || blocks_of(heap_.headers()) != chunks_)
+      return false;
     if (!large_blocks_valid()) return false;
-    if (heap_.orphaned && (spares_ != 0 || blocks_in_use_ + large_ == 0)) return false;
+    if (heap_.orphaned && (spares_ != 0 || heap_.kept_bytes != 0 || blocks_in_use_ + large_ == 0))
+      return false;
     return heap_.in_use.get() - heap_.outside == bytes_ + sizeof(ThreadHeap);
   }
 
@@ -44,6 +46,7 @@ class heap_walk {
       ++spares_;
       if (!chunk_valid(c, *c.spare, place::spare)) return false;
     }
+    if (!waiting_valid(c)) return false;
     blocks_in_use_ += blocks_of(c);
     bytes_ += blocks_of(c) * c.block_bytes;
     return true;
@@ -79,6 +82,35 @@ class heap_walk {
       block = next;
     }
     return count == expected;
+  }
+
+  /// Other threads may push while the owner walks: what was there stays.
+  static bool waiting_valid(const size_class& c) {
+    uint64_t count = 0;
+    free_block* link = c.waiting.load(std::memory_order_acquire);
+    if (link == &closed_list) return true;
+    const uint64_t most = c.waiting_blocks.load(std::memory_order_relaxed);
+    for (; link != nullptr; link = link->next) {
+      const class_block waited = waiting_block(c, link);
+      if (++count > most || waited.chunk->owner_class != &c) return false;
+      const auto offset = static_cast<uint64_t>(static_cast<const char*>(waited.block) -
+                                                static_cast<const char*>(waited.chunk->memory));
+      if (offset >= c.usable_bytes || offset % c.block_bytes != 0) return false;
+    }
+    return true;
+  }
+
+  bool kept_valid() const {
+    uint64_t bytes = 0;
+    for (const size_class& c : heap_.classes) bytes += length(c.kept) * c.chunk_bytes;
+    bytes += length(heap_.kept_mappings) * mapped_chunk_bytes;
+    for (const auto* block = heap_.kept_large; block != nullptr; block = block->next) bytes += block->size;
+    return bytes == heap_.kept_bytes && bytes <= most_kept_bytes;
+  }
+  static uint64_t length(const free_block* list) {
+    uint64_t count = 0;
+    for (; list != nullptr; list = list->next) ++count;
+    return count;
   }
 
   static bool pages_valid(const size_class& c, const chunk_header& chunk) {

@@ -13,6 +13,7 @@
 //     first 64 bytes. No block of class 0 ever waits.
 //  7. An orphaned heap has closed waiting lists, no spares, nothing waiting and no memory kept, and holds at least one block or
 //     large block.
+//  8. `kept_bytes` is the sum of the memory of ended chunks and large blocks that the heap keeps, at most `most_kept_bytes`.
 //
 // Who may touch what. The owner uses its lists and counters without a lock. Another thread that frees a block of a class pushes
 // it on the waiting list, which the owner takes as a whole when it finds it not empty: one atomic operation for either. Large blocks
@@ -96,8 +97,8 @@ struct ThreadHeap : heap_accounts {
   large_block_header* large_blocks = nullptr;
   std::atomic<large_block_header*> pending_large{nullptr};
   free_block* kept_mappings = nullptr;  ///< as `kept` of a class, for all classes of mapped chunks together
-  large_block_header* kept_large =
-      nullptr;              ///< freed large blocks, the latest first, for requests of the same size
+  /// Freed large blocks, the latest first, for requests of the same size.
+  large_block_header* kept_large = nullptr;
   uint64_t kept_bytes = 0;  ///< of all three kinds
   std::mutex mutex;
   bool orphaned = false;

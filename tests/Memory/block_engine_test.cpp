@@ -137,6 +137,7 @@ TEST_F(BlockEngine, RemoteFreesOfEveryClassComeBack) {
       for (void* const block : blocks) zfree(block);
     }).join();
     EXPECT_EQ(vlm::test::bytes_of_blocks(), held) << "nothing changes before the owner's next operation";
+    EXPECT_TRUE(heapIsValid(*heap_of_thread())) << "with blocks waiting";
     for (int i = 1; i < size_class_count; ++i) {
       const uint64_t bytes = class_block_bytes[i];
       zfree(zalloc(bytes > headerless_bytes ? bytes - class_header_bytes : bytes, 0, FailFatal));
@@ -144,6 +145,29 @@ TEST_F(BlockEngine, RemoteFreesOfEveryClassComeBack) {
     }
     zfree(zalloc(70000, 0, FailFatal));
     EXPECT_EQ(vlm::test::bytes_of_blocks(), 0);
+  });
+}
+
+TEST_F(BlockEngine, TheCheckOfAHeapSeesFaults) {
+  on_fresh_thread([] {
+    ThreadHeap& heap = *heap_of_thread();
+    void* const block = zalloc(2000, 0, FailFatal);
+    void* const waiting = zalloc(2000, 0, FailFatal);
+    zfree(zalloc(100000, 0, FailFatal));
+    std::thread([=] { zfree(waiting); }).join();
+    size_class& c = class_of(2048);
+    const auto sees = [&heap](auto& number, uint64_t wrong) {
+      const uint64_t right = number;
+      number = wrong;
+      const bool seen = !heapIsValid(heap);
+      number = right;
+      return seen && heapIsValid(heap);
+    };
+    EXPECT_TRUE(sees(c.available->used, 1));
+    EXPECT_TRUE(sees(c.chunks, 2));
+    EXPECT_TRUE(sees(c.waiting_blocks, 0));
+    EXPECT_TRUE(sees(heap.kept_bytes, heap.kept_bytes + 8));
+    zfree(block);
   });
 }
 

@@ -1,6 +1,6 @@
 // The innermost piece of a matrix product: a tile of C, some registers high and some columns wide, takes all products of a stretch of k.
-// Each element is one chain of fused multiply-adds with k ascending, which starts from what C holds or from 0; so the same bits come out whatever
-// the tile's shape and place, and wherever k is cut.
+// Each element is one chain of fused multiply-adds with k ascending, which starts from what C holds or from 0; so the same bits come out
+// whatever the tile's shape and place, and wherever k is cut.
 //
 // Numbers come as one part (real) or as two (complex), in planes: a row of a strip of A is all its real parts, then all imaginary ones.
 #pragma once
