@@ -78,16 +78,15 @@ mint promote(const promoting_function& function, mint count, MTensor* result) {
   }
 
   // The result may be an argument, whose elements from `done` on are still to be read: it changes when all is computed.
-  MTensor* promoted =
-      MTensor_newAllocatedCommon(MTensorTypeComplex, result->rank, result->dims, FailReport);
+  MTensor* promoted = MTensor_newAllocatedCommon(MTensorTypeComplex, result->rank, result->dims, FailReport);
   if (promoted == nullptr) return done;
   MTensor_coerceDataArray(promoted->data, MTensorTypeComplex, 0, 1, result->data, MTensorTypeReal, 0, 1,
                           result->flattenedLength);
   const mint start = std::max(done, mint{0});
-  const mint outcome = function.complex_row_type() == 0
-                           ? outcome_no_kernel
-                           : fill(function, static_cast<mcomplex*>(promoted->data), start, count,
-                                  start > 0 ? some_real : 0);
+  const mint outcome =
+      function.complex_row_type() == 0
+          ? outcome_no_kernel
+          : fill(function, static_cast<mcomplex*>(promoted->data), start, count, start > 0 ? some_real : 0);
   exchange_contents(result, promoted);
   MTensor_delete(promoted);
   return outcome;

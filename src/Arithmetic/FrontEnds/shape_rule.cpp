@@ -54,8 +54,8 @@ class blocks {
     const mint* const increments = &shorter_ == &y_ ? UnitRXIncrements : UnitRYIncrements;
     for (; j < end; ++j) {
       const mint first = j * block;
-      const mint position = kernel_(result_ + first * result_bytes_, x_.at(first), y_.at(first), block,
-                                    increments, flags_);
+      const mint position =
+          kernel_(result_ + first * result_bytes_, x_.at(first), y_.at(first), block, increments, flags_);
       if (position != 0) return first + position - 1;
     }
     return outcome_success;
@@ -64,11 +64,12 @@ class blocks {
   /// As many blocks as the working space holds in one call. In place that stops exactly where the blocks by themselves would. Apart
   /// it is done aside, and done again by blocks where something failed: what is reported and written is that of the blocks.
   mint several_at_a_time(bool in_place) const {
-    alignas(64) unsigned char repeated[working_length * sizeof(mcomplex)], aside[working_length * sizeof(mcomplex)];
+    alignas(64) unsigned char repeated[working_length * sizeof(mcomplex)],
+        aside[working_length * sizeof(mcomplex)];
     const mint block = shorter_.block(), at_a_time = working_length / block;
     for (mint j = 0; j < shorter_.count(); j += at_a_time) {
-      const mint blocks = std::min(at_a_time, shorter_.count() - j);
-      const mint first = j * block, length = blocks * block;
+      const mint taken = std::min(at_a_time, shorter_.count() - j);
+      const mint first = j * block, length = taken * block;
       unsigned char* const to = result_ + first * result_bytes_;
       const mint position = kernel_(in_place ? to : aside, x_.at(first, length, repeated),
                                     y_.at(first, length, repeated), length, UnitIncrements, flags_);
@@ -77,7 +78,7 @@ class blocks {
         continue;
       }
       if (in_place) return first + position - 1;
-      if (const mint outcome = one_by_one(j, j + blocks); outcome != outcome_success) return outcome;
+      if (const mint outcome = one_by_one(j, j + taken); outcome != outcome_success) return outcome;
     }
     return outcome_success;
   }
@@ -121,13 +122,13 @@ meeting::meeting(const MNumericArray* x_array, const MNumericArray* y_array)
 mint meeting::run(const MachFuncRow& row, MNumericArray* result, uint32_t flags) const {
   auto* const r = static_cast<unsigned char*>(result->data);
   if (x.count() == y.count()) {
-    return outcome_of_position(
-        row.vectorKernel.binary(r, x.data(), y.data(), count_, UnitIncrements, flags));
+    return outcome_of_position(row.vectorKernel.binary(r, x.data(), y.data(), count_, UnitIncrements, flags));
   }
   const operand& shorter = x.count() < y.count() ? x : y;
   if (r != shorter.data()) return blocks(row, x, y, r, flags).run();
   // Results of fewer bytes that have room in the shorter array itself.
-  memory::working_space<unsigned char> copy(static_cast<uint64_t>(shorter.count() * shorter.bytes()), FailFatal);
+  memory::working_space<unsigned char> copy(static_cast<uint64_t>(shorter.count() * shorter.bytes()),
+                                            FailFatal);
   std::memcpy(copy.data(), shorter.data(), static_cast<size_t>(copy.size()));
   operand x_apart = x, y_apart = y;
   (&shorter == &x ? x_apart : y_apart).move_to(copy.data());

@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <initializer_list>
+#include <utility>
 
 #include "Arithmetic/Catalogue/binary_catalogue.h"
 #include "Arithmetic/FrontEnds/promotion.h"
@@ -14,7 +15,8 @@ using machine_function::binary_row;
 
 /// The functions that a pair of types takes, a bit each.
 using function_set = uint32_t;
-constexpr int32_t first_number = MachFunc_plus, last_number = MachFunc_min;
+constexpr int32_t first_number = machine_function::first_binary_number,
+                  last_number = machine_function::last_binary_number;
 constexpr function_set set_of(std::initializer_list<int32_t> numbers) {
   function_set set = 0;
   for (const int32_t number : numbers) set |= function_set{1} << (number - first_number);
@@ -27,7 +29,7 @@ constexpr bool contains(function_set set, int32_t number) {
 
 constexpr function_set arithmetic =
     set_of({MachFunc_plus, MachFunc_subtract, MachFunc_times, MachFunc_div, MachFunc_mod, MachFunc_pow,
-            MachFunc_log_base, MachFunc_atan2, MachFunc_abserr, MachFunc_relerr});
+            MachFunc_log2of, MachFunc_atan2, MachFunc_abserr, MachFunc_relerr});
 constexpr function_set multiples =
     set_of({MachFunc_ceilingmultiple, MachFunc_floormultiple, MachFunc_roundmultiple});
 constexpr function_set shifts = set_of({MachFunc_bitshiftleft, MachFunc_bitshiftright});
@@ -36,10 +38,11 @@ constexpr function_set integer_with_real =
 
 /// By the types of x and y, Integer, Real, Complex. A function in the set may still have no row.
 constexpr function_set functions[3][3] = {
-    {every_function & ~set_of({MachFunc_div, MachFunc_log_base, MachFunc_atan2, MachFunc_chop, MachFunc_relerr}),
+    {every_function &
+         ~set_of({MachFunc_div, MachFunc_log2of, MachFunc_atan2, MachFunc_chop, MachFunc_relerr}),
      integer_with_real, arithmetic | multiples},
     {integer_with_real | shifts, every_function, arithmetic | multiples},
-    {arithmetic | shifts, arithmetic | set_of({MachFunc_chop, MachFunc_unitize_at}),
+    {arithmetic | shifts, arithmetic | set_of({MachFunc_chop, MachFunc_unitize2}),
      arithmetic | multiples | set_of({MachFunc_maxabs})}};
 
 constexpr int32_t element_types[3] = {MNumericArrayTypeInteger64, MNumericArrayTypeReal64,

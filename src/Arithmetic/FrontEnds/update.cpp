@@ -13,8 +13,8 @@ namespace {
 void keep_old_values(MTensor* result, const MTensor* x, mint from) {
   const operand old(x, result->flattenedLength);
   const auto copy = [&](mint at, mint step, mint length) {
-    MTensor_coerceDataArray(result->data, tensor_type(result), at, 1, x->data, tensor_type(x), at / old.block(),
-                            step, length);
+    MTensor_coerceDataArray(result->data, tensor_type(result), at, 1, x->data, tensor_type(x),
+                            at / old.block(), step, length);
   };
   if (old.block() == 1) return copy(from, 1, result->flattenedLength - from);
   for (mint end = from; from < result->flattenedLength; from = end) {
@@ -33,7 +33,8 @@ mint update(MTensor* x, const MTensor* y, int32_t number, uint32_t flags) {
   const int32_t x_type = tensor_type(x), y_type = tensor_type(y);
   const int32_t type = ReturnRangeType2(number, x_type, y_type);
   if (table_index(type) < 0) return outcome_no_kernel;
-  if (x->rank >= y->rank && x_type == type) return apply_operator(x_type, y_type, type, x, y, x, number, flags);
+  if (x->rank >= y->rank && x_type == type)
+    return apply_operator(x_type, y_type, type, x, y, x, number, flags);
 
   MTensor* const made = MTensor_newAllocatedCommon(type, rank, dims, FailReport);
   if (made == nullptr) return outcome_no_kernel;

@@ -2,16 +2,16 @@
 // difference. All arguments and the result have one element type.
 //
 // A function gives its value on a class of element types:
-//   on_integers   wrapped(p, y): what becomes of the product p, wrapping; overflowed(p, y, r): whether r is wrong for it.
+//   on_integers   wrapped(p, y): what becomes of the product p, wrapping; fits(p, y): whether it fits the type.
 //   on_reals      value(a, x, y) for a number or a register of them; Real16 in half(a, x, y).
 //   on_complex    value(a, x, y) for the parts of a number or of the numbers of two registers.
 // A class that is absent has no rows. Every row is checked: integers for overflow of the product and then of the result,
 // the others for a NaN or an infinity as the result (for the difference that is divided by, too).
 #pragma once
 
+#include "Arithmetic/Kernels/binary/fitting.h"
 #include "Arithmetic/Kernels/complex/arithmetic.h"
 #include "Arithmetic/Kernels/definition.h"
-#include "Arithmetic/Kernels/integer_arithmetic.h"
 
 namespace vlm::machine_function::ternary {
 
@@ -25,35 +25,12 @@ template <class V> inline V negative(V x) {
   return x;
 }
 
-/// Whether a sum or a difference that wrapped to r overflowed, without a branch.
-template <std::integral T> constexpr bool sum_overflowed(T x, T y, T r) {
-  if constexpr (std::is_unsigned_v<T>) {
-    return r < x;
-  } else {
-    return ((x ^ r) & (y ^ r)) < 0;
-  }
-}
-template <std::integral T> constexpr bool difference_overflowed(T x, T y, T r) {
-  if constexpr (std::is_unsigned_v<T>) {
-    return x < y;
-  } else {
-    return ((x ^ y) & (x ^ r)) < 0;
-  }
-}
-
-template <std::integral T> constexpr T wrapping_sum(T x, T y) {
-  return static_cast<T>(bits_of(x) + bits_of(y));
-}
-template <std::integral T> constexpr T wrapping_difference(T x, T y) {
-  return static_cast<T>(bits_of(x) - bits_of(y));
-}
-
 /// a x + y.
 struct Axpy {
   static constexpr int32_t number = 513;
   struct on_integers {
     template <class T> static constexpr T wrapped(T p, T y) { return wrapping_sum(p, y); }
-    template <class T> static constexpr bool overflowed(T p, T y, T r) { return sum_overflowed(p, y, r); }
+    template <class T> static constexpr bool fits(T p, T y) { return sum_fits(p, y); }
   };
   struct on_reals {
     template <class V> static V value(V a, V x, V y) { return fused(a, x, y); }
@@ -71,9 +48,7 @@ struct Axmy {
   static constexpr int32_t number = 514;
   struct on_integers {
     template <class T> static constexpr T wrapped(T p, T y) { return wrapping_difference(p, y); }
-    template <class T> static constexpr bool overflowed(T p, T y, T r) {
-      return difference_overflowed(p, y, r);
-    }
+    template <class T> static constexpr bool fits(T p, T y) { return difference_fits(p, y); }
   };
   struct on_reals {
     template <class V> static V value(V a, V x, V y) { return fused(a, x, negative(y)); }
@@ -91,9 +66,7 @@ struct Ymax {
   static constexpr int32_t number = 515;
   struct on_integers {
     template <class T> static constexpr T wrapped(T p, T y) { return wrapping_difference(y, p); }
-    template <class T> static constexpr bool overflowed(T p, T y, T r) {
-      return difference_overflowed(y, p, r);
-    }
+    template <class T> static constexpr bool fits(T p, T y) { return difference_fits(y, p); }
   };
   struct on_reals {
     template <class V> static V value(V a, V x, V y) { return fused(negative(a), x, y); }
@@ -121,9 +94,7 @@ struct Adxmy {
     template <class V>
     static parts<V> register_value(parts<V> a, parts<V> x, parts<V> y, lane_set& ordinary) {
       const parts<V> divisor = x - y, q = plain_quotient(a, divisor);
-      const V zero = broadcast<V>(0), most = broadcast<V>(std::numeric_limits<number_of<V>>::max());
-      ordinary = quotient_is_plain(divisor, q) & lanes_between(magnitude(q.re), zero, most) &
-                 lanes_between(magnitude(q.im), zero, most);
+      ordinary = is_plain_divisor(divisor) & finite_lanes(q);
       return q;
     }
   };

@@ -46,9 +46,8 @@ template <class F, class T> inline bool checked_element(T* result, T a, T x, T y
   if constexpr (std::is_integral_v<T>) {
     T product;
     if (__builtin_mul_overflow(a, x, &product)) return false;
-    const T r = F::on_integers::wrapped(product, y);
-    if (F::on_integers::overflowed(product, y, r)) return false;
-    *result = r;
+    if (!F::on_integers::fits(product, y)) return false;
+    *result = F::on_integers::wrapped(product, y);
   } else {
     if constexpr (divides<F>) {
       if (is_fp_exception(F::divisor(x, y))) return false;
@@ -143,40 +142,19 @@ template <class F, class T> void values(T* result, const T* a, const T* x, const
 
 // ---- Checked blocks: apart from the arguments, true if every element passes.
 
-/// True for every product that overflows T, and for a few that nearly do: the product in double is off by less than 2^-50 of
-/// its size.
-template <std::integral T> inline bool product_may_overflow(T a, T x) {
-  constexpr double bound = (std::is_signed_v<T> ? 0x1p63 : 0x1p64) * (1 - 0x1p-49);
-  const double size = static_cast<double>(a) * static_cast<double>(x);
-  return !(size < bound && size > -bound);
-}
-
 template <class F, std::integral T> bool clean_block(T* block, const T* a, const T* x, const T* y, mint n) {
-  if constexpr (sizeof(T) == 8) {
-    uint64_t fails = 0;
-    for (mint i = 0; i < n; ++i) {
-      const T product = wrapping_product(a[i], x[i]);
-      const T r = F::on_integers::wrapped(product, y[i]);
-      block[i] = r;
-      fails |= static_cast<uint64_t>(product_may_overflow(a[i], x[i])) |
-               static_cast<uint64_t>(F::on_integers::overflowed(product, y[i], r));
-    }
-    return fails == 0;
-  } else {
-    // Wide enough for a product; of unsigned numbers also for a difference, which wraps far above them.
-    using narrow_wide = std::conditional_t<std::is_signed_v<T>, int32_t, uint32_t>;
-    using wide_wide = std::conditional_t<std::is_signed_v<T>, int64_t, uint64_t>;
-    using wide = std::conditional_t<sizeof(T) <= 2, narrow_wide, wide_wide>;
-    wide fails = 0;
-    for (mint i = 0; i < n; ++i) {
-      const wide product = static_cast<wide>(a[i]) * static_cast<wide>(x[i]);
-      const auto fitting = static_cast<T>(product);
-      const wide r = F::on_integers::wrapped(static_cast<wide>(fitting), static_cast<wide>(y[i]));
-      block[i] = static_cast<T>(r);
-      fails |= (product ^ static_cast<wide>(fitting)) | (r ^ static_cast<wide>(block[i]));
-    }
-    return fails == 0;
+  constexpr bool wide = sizeof(T) == 8;
+  if constexpr (wide) {
+    if (!products_surely_fit(a, x, n)) return false;
   }
+  std::make_unsigned_t<T> fails = 0;  // as wide as the elements, so that the loop fills registers
+  for (mint i = 0; i < n; ++i) {
+    const T product = wrapping_product(a[i], x[i]);
+    block[i] = F::on_integers::wrapped(product, y[i]);
+    const bool product_fails = !wide && !product_fits(a[i], x[i]);
+    fails |= static_cast<std::make_unsigned_t<T>>(product_fails | !F::on_integers::fits(product, y[i]));
+  }
+  return fails == 0;
 }
 
 template <class F, class T> bool clean_block(T* block, const T* a, const T* x, const T* y, mint n) {
