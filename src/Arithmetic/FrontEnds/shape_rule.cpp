@@ -9,23 +9,26 @@ namespace {
 /// Blocks up to this length are worked on several at a time.
 constexpr mint longest_short_block = working_length / 2;
 
-template <class Cell>
-void repeat_cells(unsigned char* to, const unsigned char* from, mint first, mint length, mint block) {
-  const auto* cells = from + first / block * mint{sizeof(Cell)};
-  mint left = block - first % block;
-  for (mint i = 0; i < length; left = block) {
-    Cell cell;
-    std::memcpy(&cell, cells, sizeof cell);
-    cells += sizeof cell;
-    for (const mint end = std::min(i + left, length); i < end; ++i) {
-      std::memcpy(to + i * mint{sizeof cell}, &cell, sizeof cell);
-    }
-  }
-}
-
 struct sixteen_bytes {
   uint64_t half[2];
 };
+
+/// Each element is stored a register at a time, beyond the end of its block, where the next one comes over it.
+template <class Cell>
+void repeat_cells(unsigned char* to, const unsigned char* from, mint first, mint length, mint block) {
+  constexpr mint at_once = mint{repeat_overrun} / mint{sizeof(Cell)};
+  const unsigned char* cells = from + first / block * mint{sizeof(Cell)};
+  mint left = block - first % block;
+  for (mint i = 0; i < length; left = block) {
+    Cell cell, copies[at_once];
+    std::memcpy(&cell, cells, sizeof cell);
+    cells += sizeof cell;
+    std::fill_n(copies, at_once, cell);
+    const mint end = std::min(i + left, length);
+    for (; i < end; i += at_once) std::memcpy(to + i * mint{sizeof cell}, copies, sizeof copies);
+    i = end;
+  }
+}
 
 /// The blocks of one call, in order, by the row's kernel.
 class blocks {
@@ -64,8 +67,7 @@ class blocks {
   /// As many blocks as the working space holds in one call. In place that stops exactly where the blocks by themselves would. Apart
   /// it is done aside, and done again by blocks where something failed: what is reported and written is that of the blocks.
   mint several_at_a_time(bool in_place) const {
-    alignas(64) unsigned char repeated[working_length * sizeof(mcomplex)],
-        aside[working_length * sizeof(mcomplex)];
+    alignas(64) working_room repeated, aside;
     const mint block = shorter_.block(), at_a_time = working_length / block;
     for (mint j = 0; j < shorter_.count(); j += at_a_time) {
       const mint taken = std::min(at_a_time, shorter_.count() - j);
@@ -92,7 +94,7 @@ class blocks {
 
 }  // namespace
 
-const unsigned char* operand::at(mint first, mint length, unsigned char* room) const {
+const unsigned char* operand::at(mint first, mint length, working_room& room) const {
   if (block_ == 1) return at(first);
   switch (bytes_) {
     case 1:

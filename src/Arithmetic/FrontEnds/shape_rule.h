@@ -7,8 +7,10 @@
 
 namespace vlm::front_end {
 
-/// Elements that a block of working space holds.
+/// Elements of any type that a block of working space holds; behind them it may be overrun by a store.
 inline constexpr mint working_length = 512;
+inline constexpr size_t repeat_overrun = 64;
+using working_room = unsigned char[working_length * sizeof(mcomplex) + repeat_overrun];
 
 /// One of two operands: element i of the result meets element i / block of it.
 class operand {
@@ -26,8 +28,9 @@ class operand {
 
   /// The element that element i of the result meets.
   const unsigned char* at(mint i) const { return data_ + i / block_ * bytes_; }
-  /// Those that the elements from first on meet, as contiguous elements: where they lie, or repeated into room.
-  const unsigned char* at(mint first, mint length, unsigned char* room) const;
+  /// Those that the elements from first on meet, as contiguous elements, at most working_length of them: where they lie, or
+  /// repeated into room.
+  const unsigned char* at(mint first, mint length, working_room& room) const;
 
   /// Reads another copy of the elements.
   void move_to(const unsigned char* data) { data_ = data; }

@@ -75,7 +75,7 @@ template <int X, int Y> class binary_promotion final : public promoting_function
 
   mint all_real(MTensor* result) const override { return operands_.run(real_, result, flags_); }
   mint real(void* to, mint first, mint length) const override {
-    alignas(16) unsigned char x[working_length * sizeof(mreal)], y[working_length * sizeof(mreal)];
+    alignas(64) working_room x, y;
     return real_.vectorKernel.binary(to, operands_.x.at(first, length, x), operands_.y.at(first, length, y),
                                      length, UnitIncrements, flags_ | MACHFUNC_CHECK_FP);
   }
