@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "Arithmetic/Kernels/complex/inverse_hyperbolic.h"
+#include "Arithmetic/Kernels/complex/hyperbolic.h"
 #include "Arithmetic/Kernels/trigonometric.h"
 #include "Arithmetic/Kernels/vector_math.h"
 
@@ -13,6 +15,7 @@ struct Sinh {
   static constexpr char name[] = "sinh";
   static constexpr char return_range[] = "-RC";
   using on_reals = computed_by<vm::sinh, checked_real>;
+  using on_complexes = complex_by<complex::sinh, checked_complex>;
 };
 
 struct Cosh {
@@ -20,6 +23,7 @@ struct Cosh {
   static constexpr char name[] = "cosh";
   static constexpr char return_range[] = "-RC";
   using on_reals = computed_by<vm::cosh, checked_real>;
+  using on_complexes = complex_by<complex::cosh, checked_complex>;
 };
 
 struct Tanh {
@@ -27,6 +31,7 @@ struct Tanh {
   static constexpr char name[] = "tanh";
   static constexpr char return_range[] = "-RC";
   using on_reals = computed_by<vm::tanh, checked_real>;
+  using on_complexes = complex_by<complex::tanh, checked_complex>;
 };
 
 /// 1 / sinh|x| and 1 / cosh(x) where sinh and cosh overflow or are about to: 2 e^-|x|, and 0 beyond a limit.
@@ -54,6 +59,7 @@ struct Csch {
       return broadcast<V>(1) / vm::sinh(x);
     }
   };
+  using on_complexes = complex_by<complex::csch, checked_complex>;
 };
 
 struct Sech {
@@ -69,6 +75,7 @@ struct Sech {
       return broadcast<V>(1) / vm::cosh(x);
     }
   };
+  using on_complexes = complex_by<complex::sech, checked_complex>;
 };
 
 struct Coth {
@@ -76,6 +83,7 @@ struct Coth {
   static constexpr char name[] = "coth";
   static constexpr char return_range[] = "-RC";
   using on_reals = reciprocal_of<vm::tanh>;
+  using on_complexes = complex_by<complex::coth, checked_complex>;
 };
 
 struct Asinh {
@@ -83,6 +91,7 @@ struct Asinh {
   static constexpr char name[] = "asinh";
   static constexpr char return_range[] = "-RC";
   using on_reals = computed_by<vm::asinh, plain_real>;
+  using on_complexes = complex_by<complex::asinh, plain_complex>;
 };
 
 struct Acosh {
@@ -90,6 +99,7 @@ struct Acosh {
   static constexpr char name[] = "acosh";
   static constexpr char return_range[] = "-CC";
   using on_reals = computed_by<vm::acosh, checked_real>;
+  using on_complexes = complex_by<complex::acosh, plain_complex>;
 };
 
 struct Atanh {
@@ -97,6 +107,7 @@ struct Atanh {
   static constexpr char name[] = "atanh";
   static constexpr char return_range[] = "-CC";
   using on_reals = computed_by<vm::atanh, checked_real>;
+  using on_complexes = complex_by<complex::atanh, checked_complex>;
 };
 
 struct Acsch {
@@ -109,6 +120,7 @@ struct Acsch {
     }
     template <class V> static V value(V x) { return vm::asinh(broadcast<V>(1) / x); }
   };
+  using on_complexes = complex_by<complex::acsch, checked_complex>;
 };
 
 struct Asech {
@@ -121,6 +133,7 @@ struct Asech {
     }
     template <class V> static V value(V x) { return vm::acosh(broadcast<V>(1) / x); }
   };
+  using on_complexes = complex_by<complex::asech, checked_complex>;
 };
 
 struct Acoth {
@@ -134,6 +147,7 @@ struct Acoth {
     }
     template <class V> static V value(V x) { return vm::atanh(broadcast<V>(1) / x); }
   };
+  using on_complexes = complex_by<complex::acoth, checked_complex>;
 };
 
 /// 2 atan(tanh(x / 2)).
