@@ -6,6 +6,7 @@
 #include <velorim/array_services.h>
 #include <velorim/base.h>
 #include <velorim/blas.h>
+#include <velorim/complex_functions.h>
 #include <velorim/containers.h>
 #include <velorim/errors.h>
 #include <velorim/floating_point.h>

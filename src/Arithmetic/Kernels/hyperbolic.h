@@ -3,8 +3,9 @@
 
 #include <algorithm>
 
-#include "Arithmetic/Kernels/complex/inverse_hyperbolic.h"
 #include "Arithmetic/Kernels/complex/hyperbolic.h"
+#include "Arithmetic/Kernels/complex/inverse_hyperbolic.h"
+#include "Arithmetic/Kernels/complex/special.h"
 #include "Arithmetic/Kernels/trigonometric.h"
 #include "Arithmetic/Kernels/vector_math.h"
 
@@ -164,6 +165,7 @@ struct Gudermannian {
       return broadcast<V>(2) * vm::atan(vm::tanh(x / broadcast<V>(2)));
     }
   };
+  using on_complexes = complex_by<complex::gudermannian, checked_complex>;
 };
 
 /// 2 atanh(tan(x / 2)); the range keeps clear of the poles at the odd multiples of pi / 2.
@@ -179,6 +181,7 @@ struct InverseGudermannian {
       return broadcast<V>(2) * vm::atanh(vm::tan(x / broadcast<V>(2)));
     }
   };
+  using on_complexes = complex_by<complex::inversegudermannian, checked_complex>;
 };
 
 using hyperbolic_functions = function_list<Sinh, Cosh, Tanh, Csch, Sech, Coth, Asinh, Acosh, Atanh, Acsch,

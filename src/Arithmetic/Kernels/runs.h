@@ -65,7 +65,9 @@ template <class T> struct computing_type_of { using type = T; };
 template <> struct computing_type_of<real16> { using type = double; };
 template <class T>
 requires is_complex_element<T>
-struct computing_type_of<T> { using type = complex::parts<typename fp_parts<T>::real>; };
+struct computing_type_of<T> {
+  using type = complex::parts<typename fp_parts<T>::real>;
+};
 template <class T> using computing_type = typename computing_type_of<T>::type;
 
 /// What F writes for an element of type T: Integer64 where value() gives one, the real part's type where it gives a real for a
@@ -86,7 +88,7 @@ template <class C> inline constexpr bool register_arithmetic = requires { C::reg
 template <class C, class T> inline constexpr bool has_range = requires { C::template range<T>(); };
 /// Classes whose result on a floating element is floating: they answer to the result check. The others check the argument.
 template <class F, class T>
-inline constexpr bool checks_result = (is_real_element<T> || is_complex_element<T>) && !gives_mint<F, T>;
+inline constexpr bool checks_result = (is_real_element<T> || is_complex_element<T>)&&!gives_mint<F, T>;
 
 /// The value for one element, whatever its type.
 template <class F, class T> inline result_of<F, T> value_of(T x) {
@@ -268,7 +270,8 @@ template <class F, class T> mint result_checked_run(result_of<F, T>* result, con
     mint clean = length;
     if (any_fp_exception(fp_parts_of(block), length * fp_parts<R>::count)) [[unlikely]] {
       clean = 0;
-      while (clean < length && (!is_fp_exception(block[clean]) || is_unchecked<class_of<F, T>>(x[clean]))) ++clean;
+      while (clean < length && (!is_fp_exception(block[clean]) || is_unchecked<class_of<F, T>>(x[clean])))
+        ++clean;
     }
     std::memcpy(result + first, block, static_cast<size_t>(clean) * sizeof(R));
     if (clean < length) return first + clean + 1;

@@ -4,8 +4,9 @@
 #include <algorithm>
 #include <limits>
 
-#include "Arithmetic/Kernels/complex/inverse_hyperbolic.h"
 #include "Arithmetic/Kernels/complex/hyperbolic.h"
+#include "Arithmetic/Kernels/complex/inverse_hyperbolic.h"
+#include "Arithmetic/Kernels/complex/special.h"
 #include "Arithmetic/Kernels/definition.h"
 #include "Arithmetic/Kernels/vector_math.h"
 
@@ -165,6 +166,7 @@ struct Sinc {
       return vm::sin(x) / x;
     }
   };
+  using on_complexes = complex_by<complex::sinc, checked_complex>;
 };
 
 /// sin^2(x / 2).
@@ -179,6 +181,7 @@ struct Haversine {
       return s * s;
     }
   };
+  using on_complexes = complex_by<complex::haversine, checked_complex>;
 };
 
 /// 2 asin(sqrt(x)).
@@ -190,6 +193,7 @@ struct InverseHaversine {
     template <class T> static constexpr ordinary_range range() { return {0, 1, false}; }
     template <class V> static V value(V x) { return broadcast<V>(2) * vm::asin(square_root(x)); }
   };
+  using on_complexes = complex_by<complex::inversehaversine, checked_complex>;
 };
 
 using trigonometric_functions = function_list<Sin, Cos, Tan, Csc, Sec, Cot, Asin, Acos, Atan, Acsc, Asec,

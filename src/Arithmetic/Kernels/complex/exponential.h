@@ -17,7 +17,8 @@ namespace form {
 /// e^x (cos y, sin y).
 struct exp {
   template <class T> static lane_set ordinary(parts<lanes> z) {
-    return lanes_between(z.re, all(elementary::exp_range.low), all(by_type<T>(elementary::exp_range.high, 88))) &
+    return lanes_between(z.re, all(elementary::exp_range.low),
+                         all(by_type<T>(elementary::exp_range.high, 88))) &
            is_moderate_angle(z.im);
   }
   static parts<lanes> body(parts<lanes> z) {
@@ -98,9 +99,7 @@ struct log1p {
     return log::outside<T>({z.re + 1, z.im});
   }
   /// Only -1 and a NaN on the real axis are looked at.
-  template <class T> static bool unchecked(parts<T> z) {
-    return z.im != 0 || z.re > -1 || z.re < -1;
-  }
+  template <class T> static bool unchecked(parts<T> z) { return z.im != 0 || z.re > -1 || z.re < -1; }
 };
 
 /// The logarithm to another base: log divided by that of the base, but exact powers on the real axis.
@@ -154,7 +153,8 @@ struct logistic {
     const T half = std::cos(z.im / 2), v = std::expm1(-std::fabs(z.re));
     // As in the body, unless e has no such parts.
     const bool near_zero = std::fabs(z.re) < 1 && std::isfinite(z.im);
-    const parts<T> divisor = {near_zero ? std::fma(v, std::cos(z.im), 2 * half * half) : e.re + 1, e.im + T{0}};
+    const parts<T> divisor = {near_zero ? std::fma(v, std::cos(z.im), 2 * half * half) : e.re + 1,
+                              e.im + T{0}};
     return quotient(positive ? one<T> : e, divisor);
   }
 };

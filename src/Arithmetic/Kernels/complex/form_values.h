@@ -10,7 +10,8 @@ namespace vlm::complex {
 
 /// Real numbers that a form writes for one element.
 template <class Form, class T>
-inline constexpr int64_t numbers_of_result = std::is_same_v<decltype(function<Form>{}(parts<T>{})), T> ? 1 : 2;
+inline constexpr int64_t numbers_of_result =
+    std::is_same_v<decltype(function<Form>{}(parts<T>{})), T> ? 1 : 2;
 
 /// The elements in some lanes, computed as numbers outside the quiet section; result holds the others.
 template <class Form, class T>
@@ -54,7 +55,8 @@ template <class Form, class T> [[gnu::flatten]] void form_values(T* result, cons
     if (const int64_t left = n - i; left >= width) [[likely]] {
       register_of_values<Form>(result + out * i, source + 2 * i, quiet);
     } else {
-      for (int64_t k = 0; k < width; ++k) std::memcpy(x + 2 * k, source + 2 * (i + (k < left ? k : 0)), 2 * sizeof(T));
+      for (int64_t k = 0; k < width; ++k)
+        std::memcpy(x + 2 * k, source + 2 * (i + (k < left ? k : 0)), 2 * sizeof(T));
       register_of_values<Form>(y, x, quiet);
       std::memcpy(result + out * i, y, static_cast<size_t>(out * left) * sizeof(T));
     }

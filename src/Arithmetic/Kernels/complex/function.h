@@ -46,8 +46,7 @@ template <class Form> inline constexpr bool in_own_type = requires { Form::in_ow
 template <class Form> inline constexpr bool is_arithmetic = requires { Form::arithmetic; };
 
 /// The registers in which a form computes for numbers of type T.
-template <class Form, class T>
-using lanes_for = std::conditional_t<in_own_type<Form>, register_of<T>, lanes>;
+template <class Form, class T> using lanes_for = std::conditional_t<in_own_type<Form>, register_of<T>, lanes>;
 
 /// The pairs from p on, one in each lane.
 template <class V, class T> inline parts<V> load_parts(const T* p) {

@@ -86,7 +86,8 @@ struct asin {
     const lanes a = magnitude(z.re);
     const auto arc = detail::arc_of(a, magnitude(z.im));
     const lanes sign = select(z.im == lanes{}, z.re, without_minus_zero(z.re));
-    return {with_sign_of(elementary::atan2(a, arc.cotangent), sign), with_sign_of(arc.imaginary, detail::side(z))};
+    return {with_sign_of(elementary::atan2(a, arc.cotangent), sign),
+            with_sign_of(arc.imaginary, detail::side(z))};
   }
   template <class T> static parts<T> outside(parts<T> z) {
     using bounds = detail::arc_bounds<T>;
@@ -185,7 +186,8 @@ struct atanh {
     return {with_sign_of(l * 0.25, z.re), with_sign_of(angle * 0.5, detail::side(z))};
   }
   template <class T> static parts<T> outside(parts<T> z) {
-    constexpr T least = by_type<T>(0x1p-512, 0x1p-64), most = by_type<T>(6.703903964971298e153, 9223371487098961920.0);
+    constexpr T least = by_type<T>(0x1p-512, 0x1p-64),
+                most = by_type<T>(6.703903964971298e153, 9223371487098961920.0);
     const T a = std::fabs(z.re), b = std::fabs(z.im);
     if (b == 0) {
       if (!(a > 1)) return {std::atanh(z.re), 0};
@@ -201,7 +203,7 @@ struct atanh {
       l = std::log1p(t);
       angle = pi<T>;
     } else if (b < most) {
-      l = a == 1 ? (std::log(b) - ln2<T>) * -2
+      l = a == 1 ? (std::log(b) - ln2<T>)*-2
                  : std::log1p(4 * a / (b > least ? yy + less * less : less * less));
       angle = std::atan2(2 * b, a > least ? less * (1 + a) : b > least ? 1 - yy : T{1});
     } else {

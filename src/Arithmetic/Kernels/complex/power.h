@@ -39,7 +39,7 @@ struct recip {
   static constexpr bool in_own_type = true;
   template <class T, class V> static lane_set ordinary(parts<V> z) {
     const V size = magnitude(z.re) + magnitude(z.im);
-    return quotient_is_plain<V>(z, {size, size});
+    return is_plain_divisor<V>({size, size});
   }
   template <class V> static parts<V> body(parts<V> z) {
     return plain_quotient<V>(real_part_only(broadcast<V>(1)), z);

@@ -59,7 +59,8 @@ template <class V> inline V atan2(V y, V x) {
   const V from_pi = pi - middle;
   const V base = select(is_left, from_pi, middle);
   const V low = look_up(atan_low, index);
-  const V base_low = select(is_left, ((pi - from_pi) - middle) + (lanes<V>(0x1.1a62633145c07p-53) - low), low);
+  const V base_low =
+      select(is_left, ((pi - from_pi) - middle) + (lanes<V>(0x1.1a62633145c07p-53) - low), low);
   const auto sum = ordered_sum(base, from_bits<V>(to_bits(t) ^ left));
   return signed_like(sum.high + ((sum.low + base_low) - from_bits<V>(to_bits(rest) ^ left)), y);
 }
