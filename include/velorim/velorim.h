@@ -7,6 +7,7 @@
 #include <velorim/base.h>
 #include <velorim/binary_scalar_functions.h>
 #include <velorim/blas.h>
+#include <velorim/complex_functions.h>
 #include <velorim/containers.h>
 #include <velorim/errors.h>
 #include <velorim/floating_point.h>

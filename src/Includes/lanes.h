@@ -259,6 +259,30 @@ inline real32_lanes square_root(real32_lanes x) {
 #endif
 }
 
+/// x without its fraction, toward zero.
+inline real64_lanes truncated(real64_lanes x) {
+#if defined(VELORIM_LANES_AVX512)
+  return (real64_lanes)_mm512_maskz_roundscale_pd(0xff, (__m512d)x, _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC);
+#elif defined(VELORIM_LANES_AVX2)
+  return (real64_lanes)_mm256_round_pd((__m256d)x, _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC);
+#elif defined(VELORIM_LANES_NEON)
+  return (real64_lanes)vrndq_f64((float64x2_t)x);
+#else
+  return real64_lanes{std::trunc(x[0]), std::trunc(x[1])};
+#endif
+}
+inline real32_lanes truncated(real32_lanes x) {
+#if defined(VELORIM_LANES_AVX512)
+  return (real32_lanes)_mm512_maskz_roundscale_ps(0xffff, (__m512)x, _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC);
+#elif defined(VELORIM_LANES_AVX2)
+  return (real32_lanes)_mm256_round_ps((__m256)x, _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC);
+#elif defined(VELORIM_LANES_NEON)
+  return (real32_lanes)vrndq_f32((float32x4_t)x);
+#else
+  return real32_lanes{std::trunc(x[0]), std::trunc(x[1]), std::trunc(x[2]), std::trunc(x[3])};
+#endif
+}
+
 /// |x|, by its bits.
 template <class V> inline V magnitude(V x) {
   using bits = typename lanes_of<V>::unsigned_bits;

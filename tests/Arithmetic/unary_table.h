@@ -63,13 +63,24 @@ inline constexpr row rows[] = {
     {86, "triangle", '=', '=', 'n', 'n', "IR-"},
 };
 
-/// The result letter and the failure letter of a row for a type; '-' where it has none.
+/// The result letter for complex elements, by the range: 'r' the type of a part.
+constexpr char on_complexes(const row& r) {
+  switch (r.range[2]) {
+    case 'C':
+      return '=';
+    case 'R':
+      return 'r';
+    case 'I':
+      return 'm';
+    default:
+      return '-';
+  }
+}
+
+/// The result letter of a row for a type; '-' where it has none.
 template <class T> constexpr char result_letter(const row& r) {
   if (vlm::is_integer_element<T>) return r.on_integers;
-  return vlm::is_real_element<T> ? r.on_reals : '-';
-}
-template <class T> constexpr char failure_letter(const row& r) {
-  return vlm::is_integer_element<T> ? r.integer_failure : r.real_failure;
+  return vlm::is_real_element<T> ? r.on_reals : on_complexes(r);
 }
 
 /// Calls body.operator()<T>(row) for every function and every type that it has a row for. Returns how many
@@ -86,7 +97,7 @@ template <class Body> int for_all_rows(Body&& body) {
   return ran;
 }
 
-/// 38 functions of integers on 8 types, 72 functions of reals on 3.
-inline constexpr int pair_count = 38 * 8 + 72 * 3;
+/// 38 functions of integers on 8 types, 72 functions of reals on 3, 53 functions of complex numbers on 2.
+inline constexpr int pair_count = 38 * 8 + 72 * 3 + 53 * 2;
 
 }  // namespace unary_table

@@ -32,14 +32,17 @@ template <class F, class T> int32_t scalar_kernel(void* result, const void* x, u
   return scalar<F, T>(static_cast<result_of<F, T>*>(result), *static_cast<const T*>(x), flags);
 }
 
+/// Which flag the frame reads, and what it does then.
+template <class F, class T>
+inline constexpr vmfun1::checking checking_of =
+    !checks_result<F, T>                 ? vmfun1::checking::integer
+    : std::is_same_v<result_of<F, T>, T> ? vmfun1::checking::floating_same_type
+                                         : vmfun1::checking::floating_changed_type;
+
 template <class F, class T>
 inline constexpr vmfun1::kernel vector_kernel_parts = {
-    plain_run<F, T>,
-    element_run<F, T>,
-    sizeof(result_of<F, T>),
-    sizeof(T),
-    checks_result<F, T> ? vmfun1::checking::floating_same_type : vmfun1::checking::integer,
-    std::is_same_v<result_of<F, T>, T>};
+    plain_run<F, T>, element_run<F, T>, sizeof(result_of<F, T>),
+    sizeof(T),       checking_of<F, T>, std::is_same_v<result_of<F, T>, T>};
 
 template <class F, class T>
 mint vector_kernel(void* result, const void* x, mint count, const mint* increments, uint32_t flags) {

@@ -6,6 +6,7 @@
 //     static constexpr char return_range[] = "IRC";    // what ReturnRangeType1 answers, see below
 //     struct on_integers { ... };                      // absent where the class has no row
 //     struct on_reals { ... };
+//     struct on_complexes { ... };
 //   };
 //
 // A class gives
@@ -25,6 +26,8 @@
 //   register_arithmetic = true    value() is plain arithmetic that raises the right flags on registers too;
 //   copies_bits = true            ... and only moves or flips bits, so that Real16 needs no arithmetic for it;
 //   ignores_argument = true       value() does not look at its argument.
+// The class of complexes gives value() over complex::parts of a number type and its check; the usual one is complex_by, made of a
+// function of Kernels/complex/, whose forms say where registers of lanes may be used and which arguments go unchecked.
 // From this one definition come the scalar kernel, the vector kernel, the catalogue row and the exported
 // scalar entry.
 //
@@ -34,6 +37,7 @@
 
 #include <cstdint>
 
+#include "Arithmetic/Kernels/complex/arithmetic.h"
 #include "Arithmetic/Kernels/ordinary_range.h"
 #include "Includes/element_types.h"
 #include "Includes/lanes.h"
@@ -44,13 +48,15 @@ namespace vlm::machine_function {
 
 enum class check { plain, checked, always };
 
-/// A class of functions whose result check reads MACHFUNC_CHECK_FP, and one without it.
+/// A class of functions whose result check reads MACHFUNC_CHECK_FP, and one without it; of reals and of complexes.
 struct checked_real {
   static constexpr check obeys = check::checked;
 };
 struct plain_real {
   static constexpr check obeys = check::plain;
 };
+using checked_complex = checked_real;
+using plain_complex = plain_real;
 /// A class that never fails; also for mint results of reals.
 struct never_fails {
   static constexpr check obeys = check::plain;
@@ -69,6 +75,12 @@ struct always_zero : never_fails {
 template <const auto& Function, class Checked> struct computed_by : Checked {
   template <class T> static constexpr ordinary_range range() { return Function.template range<T>(); }
   template <class V> static V value(V x) { return Function(x); }
+};
+
+/// The complex class of a function that is one of Kernels/complex/.
+template <const auto& Function, class Checked> struct complex_by : Checked {
+  using form = typename std::remove_cvref_t<decltype(Function)>::form;
+  template <class T> static auto value(complex::parts<T> z) { return Function(z); }
 };
 
 /// A list of functions; each family header ends with its own.

@@ -1,6 +1,7 @@
 // Exponentials and logarithms.
 #pragma once
 
+#include "Arithmetic/Kernels/complex/exponential.h"
 #include "Arithmetic/Kernels/definition.h"
 #include "Arithmetic/Kernels/integer_arithmetic.h"
 #include "Arithmetic/Kernels/vector_math.h"
@@ -12,6 +13,7 @@ struct Exp {
   static constexpr char name[] = "exp";
   static constexpr char return_range[] = "-RC";
   using on_reals = computed_by<vm::exp, checked_real>;
+  using on_complexes = complex_by<complex::exp, checked_complex>;
 };
 
 struct Expm1 {
@@ -19,6 +21,7 @@ struct Expm1 {
   static constexpr char name[] = "expm1";
   static constexpr char return_range[] = "-RC";
   using on_reals = computed_by<vm::expm1, checked_real>;
+  using on_complexes = complex_by<complex::expm1, checked_complex>;
 };
 
 struct Log {
@@ -26,6 +29,7 @@ struct Log {
   static constexpr char name[] = "log";
   static constexpr char return_range[] = "-CC";
   using on_reals = computed_by<vm::log, checked_real>;
+  using on_complexes = complex_by<complex::log, checked_complex>;
 };
 
 struct Log1p {
@@ -33,6 +37,7 @@ struct Log1p {
   static constexpr char name[] = "log1p";
   static constexpr char return_range[] = "-CC";
   using on_reals = computed_by<vm::log1p, checked_real>;
+  using on_complexes = complex_by<complex::log1p, checked_complex>;
 };
 
 struct Log2 {
@@ -49,6 +54,7 @@ struct Log2 {
     }
   };
   using on_reals = computed_by<vm::log2, checked_real>;
+  using on_complexes = complex_by<complex::log2, checked_complex>;
 };
 
 struct Log10 {
@@ -72,6 +78,7 @@ struct Log10 {
     }
   };
   using on_reals = computed_by<vm::log10, checked_real>;
+  using on_complexes = complex_by<complex::log10, checked_complex>;
 };
 
 /// 1 / (1 + e^-x), from e^-|x| so that nothing overflows.
@@ -86,6 +93,7 @@ struct Logistic {
       return select(is_positive(x), broadcast<V>(1), e) / (e + broadcast<V>(1));
     }
   };
+  using on_complexes = complex_by<complex::logistic, checked_complex>;
 };
 
 using exponential_functions = function_list<Exp, Expm1, Log, Log1p, Log2, Log10, Logistic>;

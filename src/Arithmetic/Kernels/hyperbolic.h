@@ -3,6 +3,9 @@
 
 #include <algorithm>
 
+#include "Arithmetic/Kernels/complex/hyperbolic.h"
+#include "Arithmetic/Kernels/complex/inverse_hyperbolic.h"
+#include "Arithmetic/Kernels/complex/special.h"
 #include "Arithmetic/Kernels/trigonometric.h"
 #include "Arithmetic/Kernels/vector_math.h"
 
@@ -13,6 +16,7 @@ struct Sinh {
   static constexpr char name[] = "sinh";
   static constexpr char return_range[] = "-RC";
   using on_reals = computed_by<vm::sinh, checked_real>;
+  using on_complexes = complex_by<complex::sinh, checked_complex>;
 };
 
 struct Cosh {
@@ -20,6 +24,7 @@ struct Cosh {
   static constexpr char name[] = "cosh";
   static constexpr char return_range[] = "-RC";
   using on_reals = computed_by<vm::cosh, checked_real>;
+  using on_complexes = complex_by<complex::cosh, checked_complex>;
 };
 
 struct Tanh {
@@ -27,6 +32,7 @@ struct Tanh {
   static constexpr char name[] = "tanh";
   static constexpr char return_range[] = "-RC";
   using on_reals = computed_by<vm::tanh, checked_real>;
+  using on_complexes = complex_by<complex::tanh, checked_complex>;
 };
 
 /// 1 / sinh|x| and 1 / cosh(x) where sinh and cosh overflow or are about to: 2 e^-|x|, and 0 beyond a limit.
@@ -54,6 +60,7 @@ struct Csch {
       return broadcast<V>(1) / vm::sinh(x);
     }
   };
+  using on_complexes = complex_by<complex::csch, checked_complex>;
 };
 
 struct Sech {
@@ -69,6 +76,7 @@ struct Sech {
       return broadcast<V>(1) / vm::cosh(x);
     }
   };
+  using on_complexes = complex_by<complex::sech, checked_complex>;
 };
 
 struct Coth {
@@ -76,6 +84,7 @@ struct Coth {
   static constexpr char name[] = "coth";
   static constexpr char return_range[] = "-RC";
   using on_reals = reciprocal_of<vm::tanh>;
+  using on_complexes = complex_by<complex::coth, checked_complex>;
 };
 
 struct Asinh {
@@ -83,6 +92,7 @@ struct Asinh {
   static constexpr char name[] = "asinh";
   static constexpr char return_range[] = "-RC";
   using on_reals = computed_by<vm::asinh, plain_real>;
+  using on_complexes = complex_by<complex::asinh, plain_complex>;
 };
 
 struct Acosh {
@@ -90,6 +100,7 @@ struct Acosh {
   static constexpr char name[] = "acosh";
   static constexpr char return_range[] = "-CC";
   using on_reals = computed_by<vm::acosh, checked_real>;
+  using on_complexes = complex_by<complex::acosh, plain_complex>;
 };
 
 struct Atanh {
@@ -97,6 +108,7 @@ struct Atanh {
   static constexpr char name[] = "atanh";
   static constexpr char return_range[] = "-CC";
   using on_reals = computed_by<vm::atanh, checked_real>;
+  using on_complexes = complex_by<complex::atanh, checked_complex>;
 };
 
 struct Acsch {
@@ -109,6 +121,7 @@ struct Acsch {
     }
     template <class V> static V value(V x) { return vm::asinh(broadcast<V>(1) / x); }
   };
+  using on_complexes = complex_by<complex::acsch, checked_complex>;
 };
 
 struct Asech {
@@ -121,6 +134,7 @@ struct Asech {
     }
     template <class V> static V value(V x) { return vm::acosh(broadcast<V>(1) / x); }
   };
+  using on_complexes = complex_by<complex::asech, checked_complex>;
 };
 
 struct Acoth {
@@ -134,6 +148,7 @@ struct Acoth {
     }
     template <class V> static V value(V x) { return vm::atanh(broadcast<V>(1) / x); }
   };
+  using on_complexes = complex_by<complex::acoth, checked_complex>;
 };
 
 /// 2 atan(tanh(x / 2)).
@@ -150,6 +165,7 @@ struct Gudermannian {
       return broadcast<V>(2) * vm::atan(vm::tanh(x / broadcast<V>(2)));
     }
   };
+  using on_complexes = complex_by<complex::gudermannian, checked_complex>;
 };
 
 /// 2 atanh(tan(x / 2)); the range keeps clear of the poles at the odd multiples of pi / 2.
@@ -165,6 +181,7 @@ struct InverseGudermannian {
       return broadcast<V>(2) * vm::atanh(vm::tan(x / broadcast<V>(2)));
     }
   };
+  using on_complexes = complex_by<complex::inversegudermannian, checked_complex>;
 };
 
 using hyperbolic_functions = function_list<Sinh, Cosh, Tanh, Csch, Sech, Coth, Asinh, Acosh, Atanh, Acsch,

@@ -1,6 +1,7 @@
 // Powers and roots.
 #pragma once
 
+#include "Arithmetic/Kernels/complex/power.h"
 #include "Arithmetic/Kernels/definition.h"
 #include "Arithmetic/Kernels/integer_arithmetic.h"
 #include "Arithmetic/Kernels/vector_math.h"
@@ -27,6 +28,7 @@ struct Square {
     static constexpr bool register_arithmetic = true;
     template <class V> static V value(V x) { return x * x; }
   };
+  using on_complexes = complex_by<complex::square, checked_complex>;
 };
 
 /// |x|^2, the square for everything that is not complex.
@@ -36,6 +38,7 @@ struct AbsSquare {
   static constexpr char return_range[] = "IRR";
   using on_integers = Square::on_integers;
   using on_reals = Square::on_reals;
+  using on_complexes = complex_by<complex::abssquare, checked_complex>;
 };
 
 struct Sqrt {
@@ -46,6 +49,7 @@ struct Sqrt {
     static constexpr bool register_arithmetic = true;
     template <class V> static V value(V x) { return square_root(x); }
   };
+  using on_complexes = complex_by<complex::sqrt, plain_complex>;
 };
 
 struct Cbrt {
@@ -63,6 +67,7 @@ struct Rsqrt {
     static constexpr bool register_arithmetic = true;
     template <class V> static V value(V x) { return broadcast<V>(1) / square_root(x); }
   };
+  using on_complexes = complex_by<complex::rsqrt, checked_complex>;
 };
 
 struct Recip {
@@ -73,6 +78,7 @@ struct Recip {
     static constexpr bool register_arithmetic = true;
     template <class V> static V value(V x) { return broadcast<V>(1) / x; }
   };
+  using on_complexes = complex_by<complex::recip, checked_complex>;
 };
 
 using power_functions = function_list<Square, AbsSquare, Sqrt, Cbrt, Rsqrt, Recip>;

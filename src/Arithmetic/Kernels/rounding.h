@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cmath>
+#include "Arithmetic/Kernels/complex/rounding.h"
 #include "Arithmetic/Kernels/definition.h"
 #include "Arithmetic/Kernels/integer_arithmetic.h"
 
@@ -84,6 +85,7 @@ struct FracPart {
       return std::modf(x, &whole);
     }
   };
+  using on_complexes = complex_by<complex::fracpart, plain_complex>;
 };
 
 /// x - floor(x), by way of the fractional part.
@@ -100,6 +102,7 @@ struct Mod1 {
       return f == 0 ? T(0) : f + 1;
     }
   };
+  using on_complexes = complex_by<complex::mod1, checked_complex>;
 };
 
 using rounding_functions = function_list<Round, Floor, Ceiling, IntPart, FracPart, Mod1>;

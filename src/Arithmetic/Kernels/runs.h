@@ -16,6 +16,7 @@
 #include <optional>
 #include <type_traits>
 
+#include "Arithmetic/Kernels/complex/form_values.h"
 #include "Arithmetic/Kernels/definition.h"
 #include "Includes/fp_environment.h"
 #include "Includes/vlm_fp_exception.h"
@@ -32,7 +33,7 @@ namespace vlm::machine_function {
 /// passes.
 inline constexpr mint block_length = 512;
 
-/// The class of F's definition that serves T: on_integers, on_reals, or none.
+/// The class of F's definition that serves T: on_integers, on_reals, on_complexes, or none.
 struct no_class {};
 template <class F, class T> struct class_for {
   template <class G> static auto pick() {
@@ -48,6 +49,8 @@ template <class F, class T> struct class_for {
       } else {
         return std::type_identity<no_class>{};
       }
+    } else if constexpr (requires { typename G::on_complexes; }) {
+      return std::type_identity<typename G::on_complexes>{};
     } else {
       return std::type_identity<no_class>{};
     }
@@ -57,26 +60,42 @@ template <class F, class T> struct class_for {
 template <class F, class T> using class_of = typename class_for<F, T>::type;
 template <class F, class T> inline constexpr bool has_row = !std::is_same_v<class_of<F, T>, no_class>;
 
-/// The number type in which a class computes for T: binary16 is computed in double and rounded once.
-template <class T> using computing_type = std::conditional_t<std::is_same_v<T, real16>, double, T>;
+/// The type in which a class computes for T: binary16 is computed in double and rounded once, elements of pairs by their parts.
+template <class T> struct computing_type_of { using type = T; };
+template <> struct computing_type_of<real16> { using type = double; };
+template <class T>
+requires is_complex_element<T>
+struct computing_type_of<T> {
+  using type = complex::parts<typename fp_parts<T>::real>;
+};
+template <class T> using computing_type = typename computing_type_of<T>::type;
 
+/// What F writes for an element of type T: Integer64 where value() gives one, the real part's type where it gives a real for a
+/// pair, else the element's own type.
+template <class F, class T> struct result_type_of {
+  using value = decltype(class_of<F, T>::value(computing_type<T>{}));
+  using type = std::conditional_t<
+      std::is_same_v<value, mint>, mint,
+      std::conditional_t<is_complex_element<T> && std::is_floating_point_v<value>, value, T>>;
+};
+template <class F, class T> using result_of = typename result_type_of<F, T>::type;
 template <class F, class T>
-inline constexpr bool gives_mint =
-    !std::is_same_v<T, mint> && std::is_same_v<decltype(class_of<F, T>::value(computing_type<T>{})), mint>;
-/// What F writes for an element of type T.
-template <class F, class T> using result_of = std::conditional_t<gives_mint<F, T>, mint, T>;
+inline constexpr bool gives_mint = !std::is_same_v<T, mint> && std::is_same_v<result_of<F, T>, mint>;
 
 template <class C> inline constexpr bool copies_bits = requires { C::copies_bits; };
 template <class C> inline constexpr bool ignores_argument = requires { C::ignores_argument; };
 template <class C> inline constexpr bool register_arithmetic = requires { C::register_arithmetic; };
 template <class C, class T> inline constexpr bool has_range = requires { C::template range<T>(); };
-/// Classes whose result on a real is a real: they answer to the result check. The others check the argument.
-template <class F, class T> inline constexpr bool checks_result = is_real_element<T> && !gives_mint<F, T>;
+/// Classes whose result on a floating element is floating: they answer to the result check. The others check the argument.
+template <class F, class T>
+inline constexpr bool checks_result = (is_real_element<T> || is_complex_element<T>)&&!gives_mint<F, T>;
 
 /// The value for one element, whatever its type.
 template <class F, class T> inline result_of<F, T> value_of(T x) {
   using C = class_of<F, T>;
-  if constexpr (!std::is_same_v<T, real16>) {
+  if constexpr (is_complex_element<T>) {
+    return complex::element_of(C::value(complex::parts_of(x)));
+  } else if constexpr (!std::is_same_v<T, real16>) {
     return C::value(x);
   } else if constexpr (gives_mint<F, T>) {
     if constexpr (!ignores_argument<C>) signal_if_nan(x);
@@ -94,14 +113,15 @@ template <class F, class T> inline VelorimError argument_failure(T x) {
   using C = class_of<F, T>;
   if constexpr (std::is_same_v<T, real16>) {
     return C::failure(to_double(x));
+  } else if constexpr (is_complex_element<T>) {
+    return C::failure(complex::parts_of(x));
   } else {
     return C::failure(x);
   }
 }
 
-/// The result check of one value.
-template <class T> inline VelorimError result_failure(T y) {
-  if (!is_fp_exception(y)) return VelorimError_success;
+/// What an infinity or a NaN is reported as.
+template <class T> inline VelorimError failure_of_exception(T y) {
   using format = fp_format<T>;
   const auto bits = std::bit_cast<typename format::bits>(y);
   const bool infinite = static_cast<typename format::bits>(bits << 1) ==
@@ -109,12 +129,33 @@ template <class T> inline VelorimError result_failure(T y) {
   return infinite ? VelorimError_floating_point_infinite : VelorimError_floating_point_nan;
 }
 
+/// The result check of one value; of a pair the real part comes first.
+template <class T> inline VelorimError result_failure(T y) {
+  if (!is_fp_exception(y)) return VelorimError_success;
+  if constexpr (is_complex_element<T>) {
+    return is_fp_exception(y.re) ? result_failure(y.re) : result_failure(y.im);
+  } else {
+    return failure_of_exception(y);
+  }
+}
+
+/// Arguments whose result a class leaves unchecked.
+template <class C, class T> inline bool is_unchecked(T x) {
+  if constexpr (is_complex_element<T>) {
+    if constexpr (requires { C::form::unchecked(complex::parts_of(x)); }) {
+      return C::form::unchecked(complex::parts_of(x));
+    }
+  }
+  return false;
+}
+
 /// One element with its check on: the scalar kernel. On failure nothing is written.
 template <class F, class T> inline VelorimError checked_element(result_of<F, T>* result, T x) {
   if constexpr (checks_result<F, T>) {
-    const T y = value_of<F>(x);
-    if constexpr (class_of<F, T>::obeys == check::checked) {
-      if (const VelorimError error = result_failure(y)) return error;
+    using C = class_of<F, T>;
+    const result_of<F, T> y = value_of<F>(x);
+    if constexpr (C::obeys == check::checked) {
+      if (const VelorimError error = result_failure(y); error && !is_unchecked<C>(x)) return error;
     }
     *result = y;
   } else {
@@ -175,7 +216,9 @@ template <class C, class T> void arithmetic_values(T* result, const T* source, m
 /// The values of a run, without checks.
 template <class F, class T> void values(result_of<F, T>* result, const T* source, mint n) {
   using C = class_of<F, T>;
-  if constexpr (checks_result<F, T> && !std::is_same_v<T, real16> && has_range<C, T>) {
+  if constexpr (is_complex_element<T> && requires { typename C::form; }) {
+    complex::form_values<typename C::form>(fp_parts_of(result), fp_parts_of(source), n);
+  } else if constexpr (checks_result<F, T> && !std::is_same_v<T, real16> && has_range<C, T>) {
     ordinary_range_values<C>(result, source, n);
   } else if constexpr (checks_result<F, T> && !std::is_same_v<T, real16> && register_arithmetic<C>) {
     arithmetic_values<C>(result, source, n);
@@ -217,16 +260,20 @@ template <class F, class T> mint argument_checked_run(result_of<F, T>* result, c
 
 /// Checks that look at the result: a block is computed aside and copied out if it is clean. In a block that
 /// is not, what stands before the first failing value is stored.
-template <class F, class T> mint result_checked_run(T* result, const T* source, mint n) {
-  alignas(register_bytes) T block[block_length];
+template <class F, class T> mint result_checked_run(result_of<F, T>* result, const T* source, mint n) {
+  using R = result_of<F, T>;
+  alignas(register_bytes) R block[block_length];
   for (mint first = 0; first < n; first += block_length) {
     const mint length = std::min(block_length, n - first);
-    values<F>(block, source + first, length);
+    const T* x = source + first;
+    values<F>(block, x, length);
     mint clean = length;
-    if (any_fp_exception(block, length)) [[unlikely]] {
-      clean = std::find_if(block, block + length, [](T y) { return is_fp_exception(y); }) - block;
+    if (any_fp_exception(fp_parts_of(block), length * fp_parts<R>::count)) [[unlikely]] {
+      clean = 0;
+      while (clean < length && (!is_fp_exception(block[clean]) || is_unchecked<class_of<F, T>>(x[clean])))
+        ++clean;
     }
-    std::memcpy(result + first, block, static_cast<size_t>(clean) * sizeof(T));
+    std::memcpy(result + first, block, static_cast<size_t>(clean) * sizeof(R));
     if (clean < length) return first + clean + 1;
   }
   return 0;

@@ -1,6 +1,7 @@
 // Magnitude, sign, and the parts of a number as a complex one.
 #pragma once
 
+#include "Arithmetic/Kernels/complex/sign.h"
 #include "Arithmetic/Kernels/definition.h"
 #include "Arithmetic/Kernels/integer_arithmetic.h"
 
@@ -22,6 +23,7 @@ struct Abs {
     static constexpr bool register_arithmetic = true, copies_bits = true;
     template <class V> static V value(V x) { return magnitude(x); }
   };
+  using on_complexes = complex_by<complex::abs, checked_complex>;
 };
 
 struct Arg {
@@ -43,6 +45,7 @@ struct Arg {
       return x >= 0 ? VelorimError_success : VelorimError_domain;
     }
   };
+  using on_complexes = complex_by<complex::arg, plain_complex>;
 };
 
 struct Conj {
@@ -54,6 +57,7 @@ struct Conj {
     static constexpr bool register_arithmetic = true, copies_bits = true;
     template <class V> static V value(V x) { return x; }
   };
+  using on_complexes = complex_by<complex::conj, plain_complex>;
 };
 
 struct Im {
@@ -65,6 +69,7 @@ struct Im {
     static constexpr bool ignores_argument = true;  // so that a NaN is not looked at
     template <class T> static mint value(T) { return 0; }
   };
+  using on_complexes = complex_by<complex::im, plain_complex>;
 };
 
 struct Re {
@@ -73,6 +78,7 @@ struct Re {
   static constexpr char return_range[] = "IRR";
   using on_integers = argument_itself;
   using on_reals = Conj::on_reals;
+  using on_complexes = complex_by<complex::re, plain_complex>;
 };
 
 struct Minus {
@@ -91,6 +97,7 @@ struct Minus {
     static constexpr bool register_arithmetic = true, copies_bits = true;
     template <class V> static V value(V x) { return -x; }
   };
+  using on_complexes = complex_by<complex::minus, plain_complex>;
 };
 
 /// -1, 0 or 1; 1 for a NaN.
@@ -104,6 +111,7 @@ struct Sign {
   struct on_reals : never_fails {
     template <class T> static mint value(T x) { return x == 0 ? 0 : x < 0 ? -1 : 1; }
   };
+  using on_complexes = complex_by<complex::sign, plain_complex>;
 };
 
 struct Pos {

@@ -4,6 +4,7 @@
 #include <array>
 #include <cfenv>
 
+#include "Arithmetic/Kernels/complex/special.h"
 #include "Arithmetic/Kernels/definition.h"
 #include "Arithmetic/Kernels/integer_arithmetic.h"
 #include "Arithmetic/Kernels/vector_math.h"
@@ -70,6 +71,7 @@ struct Fibonacci {
       return (g.p - g.q) / static_cast<T>(2.23606797749979);
     }
   };
+  using on_complexes = complex_by<complex::fibonacci, checked_complex>;
 };
 
 struct LucasL {
@@ -84,6 +86,7 @@ struct LucasL {
       return g.p + g.q;
     }
   };
+  using on_complexes = complex_by<complex::lucasl, checked_complex>;
 };
 
 struct Erfc {

@@ -29,6 +29,9 @@ struct Unitize {
   struct on_reals : never_fails {
     template <class T> static mint value(T x) { return x != 0; }
   };
+  struct on_complexes : never_fails {
+    template <class T> static mint value(complex::parts<T> z) { return z.re != 0 || z.im != 0; }
+  };
 };
 
 /// The larger of x and 0: +0 for a negative zero and for a NaN.

@@ -4,6 +4,9 @@
 #include <algorithm>
 #include <limits>
 
+#include "Arithmetic/Kernels/complex/hyperbolic.h"
+#include "Arithmetic/Kernels/complex/inverse_hyperbolic.h"
+#include "Arithmetic/Kernels/complex/special.h"
 #include "Arithmetic/Kernels/definition.h"
 #include "Arithmetic/Kernels/vector_math.h"
 
@@ -14,6 +17,7 @@ struct Sin {
   static constexpr char name[] = "sin";
   static constexpr char return_range[] = "-RC";
   using on_reals = computed_by<vm::sin, plain_real>;
+  using on_complexes = complex_by<complex::sin, checked_complex>;
 };
 
 struct Cos {
@@ -21,6 +25,7 @@ struct Cos {
   static constexpr char name[] = "cos";
   static constexpr char return_range[] = "-RC";
   using on_reals = computed_by<vm::cos, plain_real>;
+  using on_complexes = complex_by<complex::cos, checked_complex>;
 };
 
 struct Tan {
@@ -28,6 +33,7 @@ struct Tan {
   static constexpr char name[] = "tan";
   static constexpr char return_range[] = "-RC";
   using on_reals = computed_by<vm::tan, checked_real>;
+  using on_complexes = complex_by<complex::tan, checked_complex>;
 };
 
 /// The range of a reciprocal of the function with this one: no zero, and no argument so small that it overflows.
@@ -54,6 +60,7 @@ struct Csc {
   static constexpr char name[] = "csc";
   static constexpr char return_range[] = "-RC";
   using on_reals = reciprocal_of<vm::sin>;
+  using on_complexes = complex_by<complex::csc, checked_complex>;
 };
 
 struct Sec {
@@ -64,6 +71,7 @@ struct Sec {
     template <class T> static constexpr ordinary_range range() { return vm::cos.range<T>(); }
     template <class V> static V value(V x) { return broadcast<V>(1) / vm::cos(x); }
   };
+  using on_complexes = complex_by<complex::sec, checked_complex>;
 };
 
 struct Cot {
@@ -71,6 +79,7 @@ struct Cot {
   static constexpr char name[] = "cot";
   static constexpr char return_range[] = "-RC";
   using on_reals = reciprocal_of<vm::tan>;
+  using on_complexes = complex_by<complex::cot, checked_complex>;
 };
 
 struct Asin {
@@ -78,6 +87,7 @@ struct Asin {
   static constexpr char name[] = "asin";
   static constexpr char return_range[] = "-CC";
   using on_reals = computed_by<vm::asin, checked_real>;
+  using on_complexes = complex_by<complex::asin, plain_complex>;
 };
 
 struct Acos {
@@ -85,6 +95,7 @@ struct Acos {
   static constexpr char name[] = "acos";
   static constexpr char return_range[] = "-CC";
   using on_reals = computed_by<vm::acos, checked_real>;
+  using on_complexes = complex_by<complex::acos, plain_complex>;
 };
 
 struct Atan {
@@ -92,6 +103,7 @@ struct Atan {
   static constexpr char name[] = "atan";
   static constexpr char return_range[] = "-RC";
   using on_reals = computed_by<vm::atan, plain_real>;
+  using on_complexes = complex_by<complex::atan, checked_complex>;
 };
 
 struct Acsc {
@@ -104,6 +116,7 @@ struct Acsc {
     }
     template <class V> static V value(V x) { return vm::asin(broadcast<V>(1) / x); }
   };
+  using on_complexes = complex_by<complex::acsc, checked_complex>;
 };
 
 struct Asec {
@@ -116,6 +129,7 @@ struct Asec {
     }
     template <class V> static V value(V x) { return vm::acos(broadcast<V>(1) / x); }
   };
+  using on_complexes = complex_by<complex::asec, checked_complex>;
 };
 
 struct Acot {
@@ -134,6 +148,7 @@ struct Acot {
       return vm::atan(broadcast<V>(1) / x);
     }
   };
+  using on_complexes = complex_by<complex::acot, checked_complex>;
 };
 
 struct Sinc {
@@ -151,6 +166,7 @@ struct Sinc {
       return vm::sin(x) / x;
     }
   };
+  using on_complexes = complex_by<complex::sinc, checked_complex>;
 };
 
 /// sin^2(x / 2).
@@ -165,6 +181,7 @@ struct Haversine {
       return s * s;
     }
   };
+  using on_complexes = complex_by<complex::haversine, checked_complex>;
 };
 
 /// 2 asin(sqrt(x)).
@@ -176,6 +193,7 @@ struct InverseHaversine {
     template <class T> static constexpr ordinary_range range() { return {0, 1, false}; }
     template <class V> static V value(V x) { return broadcast<V>(2) * vm::asin(square_root(x)); }
   };
+  using on_complexes = complex_by<complex::inversehaversine, checked_complex>;
 };
 
 using trigonometric_functions = function_list<Sin, Cos, Tan, Csc, Sec, Cot, Asin, Acos, Atan, Acsc, Asec,

@@ -24,6 +24,7 @@
 #include "Arithmetic/Kernels/elementary/exp.h"
 #include "Arithmetic/Kernels/elementary/hyperbolic.h"
 #include "Arithmetic/Kernels/elementary/log.h"
+#include "Arithmetic/Kernels/elementary/pow.h"
 #include "Arithmetic/Kernels/elementary/real32.h"
 #include "Arithmetic/Kernels/elementary/trigonometric.h"
 #include "Includes/fp_environment.h"
@@ -452,6 +453,50 @@ inline constexpr elementary_function<form::lgamma> lgamma;
 template <class T> inline T erfc(T x) {
   return in_wider_type([](auto w) { return std::erfc(w); }, x);
 }
+
+/// x^y, within 1.0 ulp. Its ordinary arguments are judged with the result: body holds where settled vouches for it.
+struct two_argument_power {
+  template <class V> static V body(V x, V y) {
+    if constexpr (is_register<V> && std::is_same_v<number_of<V>, float>) {
+      const real64_halves a = widened(x), b = widened(y);
+      return narrowed(body(a.low, b.low), body(a.high, b.high));
+    } else if constexpr (std::is_same_v<V, float>) {
+      return static_cast<float>(body(static_cast<double>(x), static_cast<double>(y)));
+    } else if constexpr (has_fused_multiply_add) {
+      return elementary::pow(x, y);
+    } else if constexpr (is_register<V>) {
+      // SLEEF's form is not told to be good where the result leaves the range.
+      const V power = (V)Sleef_cinz_powd2_u10sse2((__m128d)x, (__m128d)y);
+      return power;
+    } else {
+      return Sleef_cinz_powd1_u10purec(x, y);
+    }
+  }
+  /// The lanes of a normal base and a result well inside the range.
+  template <class V> static lane_set settled(V x, V, V result) {
+    using T = number_of<V>;
+    constexpr T least = std::numeric_limits<T>::min(), most = std::numeric_limits<T>::max();
+    constexpr T small = std::is_same_v<T, double> ? T(0x1p-1000) : T(0x1p-120f), great = 1 / small;
+    if constexpr (is_register<V>) {
+      return lanes_between(x, broadcast<V>(least), broadcast<V>(most)) &
+             lanes_between(result, broadcast<V>(small), broadcast<V>(great));
+    } else {
+      return in_range<T>({least, most, false}, x) && in_range<T>({small, great, false}, result) ? 1 : 0;
+    }
+  }
+  template <class T> T operator()(T x, T y) const {
+    {
+      const fp::quiet_section quiet;
+      fp::pin(x);
+      fp::pin(y);
+      T power = body(x, y);
+      fp::pin(power);
+      if (settled(x, y, power) != 0) return power;
+    }
+    return std::pow(x, y);
+  }
+};
+inline constexpr two_argument_power pow;
 
 /// b^x for a fixed base above 1.
 template <class T> inline T power(T base, T x) { return std::pow(base, x); }

@@ -29,13 +29,18 @@ constexpr uint32_t fp = MACHFUNC_CHECK_FP, integer = MACHFUNC_CHECK_INTEGER;
 
 bool is_integer_type(int32_t type) { return type >= 1 && type <= 8; }
 bool is_real_type(int32_t type) { return type == 9 || type == 10 || type == 13; }
+bool is_complex_type(int32_t type) { return type == 11 || type == 12; }
 
 /// The result type that the written table gives for a number and an element type; 0 for no row.
 int32_t written_result_type(int32_t number, int32_t type) {
   for (const auto& row : unary_table::rows) {
     if (row.number != number) continue;
-    const char letter = is_integer_type(type) ? row.on_integers : is_real_type(type) ? row.on_reals : '-';
-    return letter == '=' ? type : letter == 'm' ? 7 : 0;
+    const char letter = is_integer_type(type)   ? row.on_integers
+                        : is_real_type(type)    ? row.on_reals
+                        : is_complex_type(type) ? unary_table::on_complexes(row)
+                                                : '-';
+    const int32_t part = type == 12 ? 10 : 9;
+    return letter == '=' ? type : letter == 'm' ? 7 : letter == 'r' ? part : 0;
   }
   return 0;
 }
@@ -74,6 +79,7 @@ TEST(UnaryCatalogue, TensorGettersMapTheirTypes) {
       const int32_t result = written_result_type(number, element);
       EXPECT_EQ(result == 7    ? 2
                 : result == 10 ? 3
+                : result == 12 ? 4
                                : 0,
                 MTensor_ReturnType1(number, type))
           << number << " " << type;

@@ -17,6 +17,7 @@
 
 #include "Arithmetic/Kernels/sample_values.h"
 #include "Arithmetic/unary_table.h"
+#include "Includes/vlm_fp_exception.h"
 #include "velorim/machine_functions.h"
 #include "velorim/parallel.h"
 
@@ -24,6 +25,7 @@ namespace {
 
 using namespace vlm;
 using sample_values::mixed_values;
+using sample_values::special_pairs;
 using sample_values::special_values;
 using bytes = std::vector<unsigned char>;
 
@@ -34,6 +36,8 @@ constexpr mint many = 65536;
 #endif
 constexpr int counted_flags = FE_INVALID | FE_DIVBYZERO | FE_OVERFLOW;
 constexpr uint32_t all_checks = MACHFUNC_CHECK_FP | MACHFUNC_CHECK_INTEGER;
+
+template <class T> inline constexpr bool is_floating = is_real_element<T> || is_complex_element<T>;
 
 /// What the scalar kernel says of one argument: the value unchecked, and whether it fails without and with checks.
 struct verdict {
@@ -187,7 +191,7 @@ template <class T> void mixed_run(const sample<T>& s) {
     ASSERT_TRUE(same(result.data() + i * s.f.result_bytes, s.of_mixed[i]))
         << "element " << i << " at " << testing::PrintToString(s.mixed[i]);
   }
-  if (is_real_element<T> && first_failure == n) {
+  if (is_floating<T> && first_failure == n) {
     ASSERT_EQ(flags, raised);
   }
 }
@@ -195,7 +199,12 @@ template <class T> void mixed_run(const sample<T>& s) {
 /// Each special value amid ordinary ones, at the start, in the middle and in the tail: value, flags, failure.
 template <class T> void special_amid_ordinary(const sample<T>& s) {
   constexpr size_t n = 37;
-  const size_t specials = special_values<T>().size();
+  size_t specials = 0;
+  if constexpr (is_complex_element<T>) {
+    specials = special_pairs<T>().size();
+  } else {
+    specials = special_values<T>().size();
+  }
   for (size_t k = 0; k < specials; ++k) {
     for (const size_t place : {size_t{0}, size_t{5}, size_t{18}, n - 1}) {
       std::vector<T> source(s.clean.begin(), s.clean.begin() + n);
@@ -210,11 +219,11 @@ template <class T> void special_amid_ordinary(const sample<T>& s) {
       if (!v.always_fails) {
         ASSERT_TRUE(same(result.data() + place * s.f.result_bytes, v)) << where();
       }
-      if (is_real_element<T>) {
+      if (is_floating<T>) {
         ASSERT_EQ(v.flags, raised) << where();
       }
       // Checked and apart: floating results are judged by the flags, everything else by the element.
-      const bool bulk = is_real_element<T> && s.f.result_type == s.f.type;
+      const bool bulk = is_floating<T> && s.f.result_type != MNumericArrayTypeInteger64;
       const mint checked = s.f.vector(result.data(), source.data(), n, UnitIncrements, all_checks);
       ASSERT_EQ(bulk ? v.flags != 0 : v.fails ? static_cast<mint>(place) + 1 : 0, checked) << where();
       if (s.f.result_type != s.f.type) continue;
@@ -235,20 +244,20 @@ TEST_P(Roads, SameBitsAndFlags) {
   int ran = 0;
   for_all_element_types([&]<class T>() {
     if (unary_table::result_letter<T>(row) == '-') return;
-    if constexpr (!is_complex_element<T>) {
-      SCOPED_TRACE(element_of<T>::name);
-      static const std::vector<T> values = mixed_values<T>(1024);
-      const sample<T> s(row.number, values);
-      ASSERT_NE(nullptr, s.f.vector);
-      all_shapes(s);
-      in_place(s);
-      on_two_threads(s);
-      mixed_run(s);
-      special_amid_ordinary(s);
-      ++ran;
-    }
+    SCOPED_TRACE(vlm::element_of<T>::name);
+    static const std::vector<T> values = mixed_values<T>(1024);
+    const sample<T> s(row.number, values);
+    ASSERT_NE(nullptr, s.f.vector);
+    all_shapes(s);
+    in_place(s);
+    on_two_threads(s);
+    mixed_run(s);
+    special_amid_ordinary(s);
+    ++ran;
   });
-  EXPECT_EQ((row.on_integers != '-' ? 8 : 0) + (row.on_reals != '-' ? 3 : 0), ran);
+  EXPECT_EQ((row.on_integers != '-' ? 8 : 0) + (row.on_reals != '-' ? 3 : 0) +
+                (unary_table::on_complexes(row) != '-' ? 2 : 0),
+            ran);
 }
 
 /// Numbers of any bit pattern and, as many again, of sizes that are common: where a form of a function is handed on to the next
@@ -269,36 +278,57 @@ template <class T> std::vector<T> any_numbers(mint count) {
   return numbers;
 }
 
+/// Whether two numbers are both NaN or have the same bits.
+template <class Real> bool alike(Real a, Real b) {
+  return (std::isnan(a) && std::isnan(b)) || std::memcmp(&a, &b, sizeof a) == 0;
+}
+
 template <class T> void many_numbers(const unary_table::row& row) {
-  const std::vector<T> x = any_numbers<T>(many);
-  std::vector<T> together(x.size());
+  using real = typename fp_parts<T>::real;
+  const bool gives_pairs = is_complex_element<T> && unary_table::result_letter<T>(row) == '=';
+  const mint in = fp_parts<T>::count, out = gives_pairs ? 2 : 1;
+  const std::vector<real> x = any_numbers<real>(many);
+  const mint count = many / in;
+  std::vector<real> together(static_cast<size_t>(count * out));
   const auto vector = MNumericArray_getUnaryVectorMachFunc(row.number, element_code<T>);
   const auto scalar = MNumericArray_getUnaryScalarMachFunc(row.number, element_code<T>);
-  ASSERT_EQ(0, vector(together.data(), x.data(), many, UnitIncrements, 0));
-  for (size_t i = 0; i < x.size(); ++i) {
-    T alone;
-    ASSERT_EQ(0, scalar(&alone, &x[i], 0));
-    const bool both_nan = std::isnan(alone) && std::isnan(together[i]);
-    ASSERT_TRUE(both_nan || std::memcmp(&alone, &together[i], sizeof(T)) == 0)
-        << std::hexfloat << x[i] << ": " << alone << " alone, " << together[i] << " in a run";
+  ASSERT_EQ(0, vector(together.data(), x.data(), count, UnitIncrements, 0));
+  for (mint i = 0; i < count; ++i) {
+    const real* z = x.data() + i * in;
+    real alone[2] = {};
+    ASSERT_EQ(0, scalar(alone, z, 0));
+    for (mint part = 0; part < out; ++part) {
+      ASSERT_TRUE(alike(alone[part], together[static_cast<size_t>(i * out + part)]))
+          << std::hexfloat << z[0] << " " << z[in - 1] << " part " << part << ": " << alone[part]
+          << " alone, " << together[static_cast<size_t>(i * out + part)] << " in a run";
+    }
   }
 }
 
-/// The functions that give reals for reals.
-std::vector<unary_table::row> real_rows() {
+/// The functions that give floating results for reals or for complex numbers.
+std::vector<unary_table::row> floating_rows() {
   std::vector<unary_table::row> rows;
   std::copy_if(std::begin(unary_table::rows), std::end(unary_table::rows), std::back_inserter(rows),
-               [](const unary_table::row& row) { return row.on_reals == '='; });
+               [](const unary_table::row& row) {
+                 return row.on_reals == '=' || row.range[2] == 'C' || row.range[2] == 'R';
+               });
   return rows;
 }
 
-class RealRoads : public testing::TestWithParam<unary_table::row> {};
+class FloatingRoads : public testing::TestWithParam<unary_table::row> {};
 
-TEST_P(RealRoads, AnyNumberAloneAndInARun) {
-  many_numbers<double>(GetParam());
-  many_numbers<float>(GetParam());
+TEST_P(FloatingRoads, AnyNumberAloneAndInARun) {
+  const unary_table::row& row = GetParam();
+  if (row.on_reals == '=') {
+    many_numbers<double>(row);
+    many_numbers<float>(row);
+  }
+  if (row.range[2] == 'C' || row.range[2] == 'R') {
+    many_numbers<mcomplex>(row);
+    many_numbers<complex_real32>(row);
+  }
 }
-INSTANTIATE_TEST_SUITE_P(Functions, RealRoads, testing::ValuesIn(real_rows()),
+INSTANTIATE_TEST_SUITE_P(Functions, FloatingRoads, testing::ValuesIn(floating_rows()),
                          [](const auto& row) { return std::string(row.param.name); });
 INSTANTIATE_TEST_SUITE_P(Functions, Roads, testing::ValuesIn(unary_table::rows),
                          [](const auto& row) { return std::string(row.param.name); });

@@ -129,9 +129,30 @@ template <class T> std::vector<T> limits_of_forms() {
   return xs;
 }
 
+/// Pairs of special parts: each with each for the few that matter most, every other one beside ordinary parts and itself.
+template <class T> std::vector<T> special_pairs() {
+  using real = decltype(T::re);
+  constexpr real infinity = std::numeric_limits<real>::infinity(),
+                 nan = std::numeric_limits<real>::quiet_NaN();
+  std::vector<T> zs;
+  const real few[] = {0, real(-0.0), 1, -1, infinity, -infinity, nan, real(0.75), -100};
+  for (const real x : few) {
+    for (const real y : few) zs.push_back({x, y});
+  }
+  for (const real x : special_values<real>()) {
+    for (const real y : {real(0), real(-0.0), real(1.5), real(-1e-3)}) {
+      zs.push_back({x, y});
+      zs.push_back({y, x});
+    }
+    zs.push_back({x, x});
+    zs.push_back({x, -x});
+  }
+  return zs;
+}
+
 /// Specials, and numbers drawn over all bit patterns, over sizes near 1, and over the unit interval. No signalling
 /// NaNs: moving one through a register may quiet it.
-template <class T> std::vector<T> mixed_values(size_t n) {
+template <class T> std::vector<T> mixed_reals(size_t n) {
   std::vector<T> xs = special_values<T>();
   std::mt19937_64 random(20240229);
   if constexpr (std::is_floating_point_v<T>) {
@@ -158,6 +179,19 @@ template <class T> std::vector<T> mixed_values(size_t n) {
     xs.push_back(x);
   }
   return xs;
+}
+
+/// The same for every element type; of complex numbers special pairs, and pairs of parts so drawn.
+template <class T> std::vector<T> mixed_values(size_t n) {
+  if constexpr (is_complex_element<T>) {
+    std::vector<T> zs = special_pairs<T>();
+    const auto parts = mixed_values<decltype(T::re)>(2 * n);
+    for (size_t i = 0; i < n; ++i)
+      zs.push_back({parts[parts.size() - 1 - 2 * i], parts[parts.size() - 2 - 2 * i]});
+    return zs;
+  } else {
+    return mixed_reals<T>(n);
+  }
 }
 
 }  // namespace sample_values

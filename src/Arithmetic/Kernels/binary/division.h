@@ -14,7 +14,7 @@ template <class T> constexpr bool is_least_over_minus_one(T x, T y) {
   return std::is_signed_v<T> && x == std::numeric_limits<T>::min() && y == static_cast<T>(-1);
 }
 
-/// Quotient and remainder by truncation; y is not 0. In integers, or in a floating-point type that holds them exactly.
+/// Quotient and remainder by truncation; y is not 0. In integers, or in reals that hold them.
 template <class N> struct division { N quotient, remainder; };
 template <std::integral T> constexpr division<T> truncating(T x, T y) {
   if (is_least_over_minus_one(x, y))
@@ -22,69 +22,69 @@ template <std::integral T> constexpr division<T> truncating(T x, T y) {
   const auto q = static_cast<T>(x / y);
   return {q, static_cast<T>(x - q * y)};
 }
-/// For |x|, |y| up to 2^51 (2^24 in float): the exact quotient is no nearer to the next whole number than 1 / |y|, more than rounding
-/// can move it, and quotient times y is exact.
-template <std::floating_point R> inline division<R> truncating(R x, R y) {
-  const R q = std::trunc(x / y);
-  return {q, x - q * y};
-}
-
-/// Where an exact quotient lies that truncation left r over from: beside one by truncation that is below it (toward minus infinity) or
-/// above it.
-template <class N> constexpr bool is_below_truncated(N remainder, N y) {
-  return (remainder != 0) & ((remainder < 0) != (y < 0));
-}
-
-/// Small integers to and from double by their bits, for registers without a conversion of 64-bit integers; |x| < 2^51.
+/// Small integers, up to 2^50 (2^24 in float), to and from reals; 64-bit ones by their bits, for registers without the conversion. A
+/// quotient of two of them, truncated, is exact: it is no nearer to the next whole number than 1 / |y|, more than rounding can move it.
 inline constexpr double integer_offset = 0x1.8p52;
-template <std::integral T> inline double small_to_double(T x) {
-  return std::bit_cast<double>(static_cast<uint64_t>(static_cast<int64_t>(x)) +
-                               std::bit_cast<uint64_t>(integer_offset)) -
-         integer_offset;
+template <class Real, std::integral T> inline Real small_to_real(T x) {
+  if constexpr (sizeof(T) == 8) {
+    return std::bit_cast<double>(static_cast<uint64_t>(x) + std::bit_cast<uint64_t>(integer_offset)) -
+           integer_offset;
+  } else {
+    return static_cast<Real>(x);
+  }
 }
-template <std::integral T> inline T small_from_double(double x) {
-  return static_cast<T>(std::bit_cast<uint64_t>(x + integer_offset) -
-                        std::bit_cast<uint64_t>(integer_offset));
+template <std::integral T, class Real> inline T small_from_real(Real x) {
+  if constexpr (std::is_same_v<Real, double>) {
+    return static_cast<T>(std::bit_cast<uint64_t>(x + integer_offset) -
+                          std::bit_cast<uint64_t>(integer_offset));
+  } else {
+    return static_cast<T>(static_cast<int32_t>(x));
+  }
 }
-
-/// Whether a block can be divided in double.
-template <class T> inline bool divides_in_double(const T* x, const T* y, mint n) {
+template <class T> inline bool fits_double(const T* x, mint n) {
   if constexpr (sizeof(T) < 8) {
     return true;
   } else {
     uint64_t used = 0;
-    for (mint i = 0; i < n; ++i) {
-      if constexpr (std::is_signed_v<T>) {
-        used |= bits_of(x[i] ^ (x[i] >> 63)) | bits_of(y[i] ^ (y[i] >> 63));
-      } else {
-        used |= x[i] | y[i];
-      }
-    }
+    for (mint i = 0; i < n; ++i)
+      used |= bits_of(std::is_signed_v<T> ? x[i] ^ (x[i] >> (sizeof(T) * 8 - 1)) : x[i]);
     return std::bit_width(used) <= 50;
   }
 }
 
-/// The values of a run from C::from(truncating division, y), in registers of reals where the integers are small enough.
+/// Whether the exact quotient lies below the one by truncation that left r over: r and y, neither 0, have different signs.
+template <class N> constexpr auto is_below_truncated(N remainder, N y) {
+  const N zero{};
+  return (remainder != zero) & ((remainder < zero) != (y < zero));
+}
+template <class N> constexpr N choose(bool condition, N a, N b) { return condition ? a : b; }
+inline real64_lanes choose(mask64_lanes condition, real64_lanes a, real64_lanes b) { return select(condition, a, b); }
+inline real32_lanes choose(mask32_lanes condition, real32_lanes a, real32_lanes b) { return select(condition, a, b); }
+
+/// The values of a run from C::from(truncating division, y). The integers of a block become reals where these hold them, are divided in
+/// registers, and become integers again.
 template <class C, class T> void division_run(T* result, const T* x, const T* y, mint n) {
+  using real = std::conditional_t<(sizeof(T) <= 2), float, double>;
+  using V = register_of<real>;
+  constexpr mint width = lanes_of<V>::count;
+  alignas(register_bytes) real a[block_length], b[block_length];
   for (mint first = 0; first < n; first += block_length) {
     const mint length = std::min(block_length, n - first);
-    const T *a = x + first, *b = y + first;
     T* r = result + first;
-    if constexpr (sizeof(T) <= 2) {
-      VELORIM_INDEPENDENT
-      for (mint i = 0; i < length; ++i) {
-        const auto p = static_cast<float>(a[i]), q = static_cast<float>(b[i]);
-        r[i] = static_cast<T>(static_cast<int32_t>(C::from(truncating(p, q), q)));
-      }
-    } else if (divides_in_double(a, b, length)) {
-      VELORIM_INDEPENDENT
-      for (mint i = 0; i < length; ++i) {
-        const double p = small_to_double(a[i]), q = small_to_double(b[i]);
-        r[i] = small_from_double<T>(C::from(truncating(p, q), q));
-      }
-    } else {
-      for (mint i = 0; i < length; ++i) r[i] = C::from(truncating(a[i], b[i]), b[i]);
+    if (!fits_double(x + first, length) || !fits_double(y + first, length)) {
+      for (mint i = 0; i < length; ++i) r[i] = C::value(x[first + i], y[first + i]);
+      continue;
     }
+    for (mint i = 0; i < length; ++i) a[i] = small_to_real<real>(x[first + i]);
+    for (mint i = 0; i < length; ++i) b[i] = small_to_real<real>(y[first + i]);
+    const mint whole = (length + width - 1) / width * width;
+    std::fill(a + length, a + whole, real(0));
+    std::fill(b + length, b + whole, real(1));
+    for (mint i = 0; i < whole; i += width) {
+      const V p = load<V>(a + i), q = load<V>(b + i), t = truncated(p / q);
+      store(a + i, C::from(division<V>{t, p - t * q}, q));
+    }
+    for (mint i = 0; i < length; ++i) r[i] = small_from_real<T>(a[i]);
   }
 }
 
@@ -96,7 +96,7 @@ struct Mod {
   static constexpr mixed widens = mixed::all;
   struct on_integers : refuses_zero {
     template <class N> static constexpr N from(division<N> d, N y) {
-      return static_cast<N>(d.remainder + (is_below_truncated(d.remainder, y) ? y : N(0)));
+      return choose(is_below_truncated(d.remainder, y), static_cast<N>(d.remainder + y), d.remainder);
     }
     template <class T> static constexpr T value(T x, T y) { return from(truncating(x, y), y); }
     template <class T> static void run(T* result, const T* x, const T* y, mint n) {
@@ -139,7 +139,7 @@ struct Quotient {
       return y == 0 || is_least_over_minus_one(x, y);
     }
     template <class N> static constexpr N from(division<N> d, N y) {
-      return static_cast<N>(d.quotient - (is_below_truncated(d.remainder, y) ? N(1) : N(0)));
+      return choose(is_below_truncated(d.remainder, y), static_cast<N>(d.quotient - 1), d.quotient);
     }
     template <class T> static constexpr T value(T x, T y) { return from(truncating(x, y), y); }
     template <class T> static void run(T* result, const T* x, const T* y, mint n) {

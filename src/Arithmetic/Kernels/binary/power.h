@@ -2,9 +2,13 @@
 #pragma once
 
 #include <cmath>
+#include <utility>
 
 #include "Arithmetic/Kernels/binary/arithmetic.h"
+#include "Arithmetic/Kernels/complex/exponential.h"
+#include "Arithmetic/Kernels/complex/power.h"
 #include "Arithmetic/Kernels/integer_power.h"
+#include "Arithmetic/Kernels/vector_math.h"
 
 namespace vlm::machine_function::binary {
 
@@ -23,32 +27,87 @@ struct integer_pow {
     }
     if (y < 0) return true;
     const auto size = unsigned_magnitude(x);
-    const uint64_t e = static_cast<uint64_t>(y);
+    const auto e = static_cast<uint64_t>(y);
     if (std::has_single_bit(size)) {
-      const auto k = static_cast<uint64_t>(std::countr_zero(size));
-      const uint64_t n = k * e;
-      // What a positive or negative power of two must stay below.
-      const uint64_t bound = std::is_unsigned_v<T> || x < 0 ? width : width - 1;
-      if (checked && (e >= width || n >= bound)) return true;
+      const uint64_t n = static_cast<uint64_t>(std::countr_zero(size)) * e;
+      // The power of two that does not fit any more.
+      constexpr uint64_t beyond_negative = width, beyond_positive = std::is_signed_v<T> ? width - 1 : width;
+      if (checked && (e >= width || n >= (x < 0 ? beyond_negative : beyond_positive))) return true;
       const auto power = static_cast<T>(static_cast<std::make_unsigned_t<T>>(uint64_t{1} << (n % width)));
       result = x < 0 && odd ? wrapping_minus(power) : power;
       return false;
     }
-    bool fits = true;
-    const auto times = [&fits](T a, T b) {
-      if (checked) fits &= product_fits(a, b);
-      return wrapping_product(a, b);
-    };
     if (e == 0) {
       result = 1;
       return false;
     }
     if (checked && e >= width) return true;  // |x| is at least 3
-    const T power = power_by_products(x, e, times);
+    bool fits = true;
+    const T power = power_by_products(x, e, [&fits](T a, T b) {
+      if (checked) fits &= product_fits(a, b);
+      return wrapping_product(a, b);
+    });
     if (!fits) return true;
     result = power;
     return false;
   }
+};
+
+/// x^y of complex numbers by exp(y log x), where x is not 0 or y is not.
+template <class T> inline complex::parts<T> polar_power(complex::parts<T> x, complex::parts<T> y) {
+  complex::parts<T> logarithm = complex::log(x);
+  if (x.im == 0) logarithm.im = std::atan2(x.im, x.re);  // the side of the cut tells by the sign of the zero
+  return complex::exp(complex::product(y, logarithm));
+}
+
+/// x^y of a complex number that is not 0 and an integer.
+template <class T> inline complex::parts<T> complex_integer_power(complex::parts<T> x, mint y) {
+  if (x.im == 0) return {integer_power(x.re, y), 0};
+  if (x.re == 0) {
+    const T r = integer_power(x.im, y);
+    const uint64_t turns = unsigned_magnitude(y) % 4;
+    switch (y < 0 ? (4 - turns) % 4 : turns) {
+      case 0:
+        return {r, 0};
+      case 1:
+        return {0, r};
+      case 2:
+        return {-r, 0};
+      default:
+        return {0, -r};
+    }
+  }
+  const uint64_t e = unsigned_magnitude(y);
+  const complex::parts<T> one = {1, 0};
+  if (e == 0) return one;
+  const complex::parts<T> power =
+      e < first_exponent_without_complex_products
+          ? power_by_products(x, e,
+                              [](complex::parts<T> a, complex::parts<T> b) { return complex::product(a, b); })
+          : polar_power(x, {static_cast<T>(e), T(0)});
+  return y < 0 ? complex::quotient(one, power) : power;
+}
+
+/// Lanes of reals to the power of lanes of mint with |y| up to 8: all powers are formed, each by the products of integer_power, and one
+/// of them taken.
+struct small_exponents {
+  static real64_lanes power(real64_lanes x, int64_lanes y) {
+    using V = real64_lanes;
+    const int64_lanes sign = y >> 63, e = (y ^ sign) - sign;
+    const V x2 = x * x, x3 = x2 * x, x4 = x2 * x2;
+    const std::pair<int, V> powers[] = {
+        {2, x2}, {3, x3}, {4, x4}, {5, x4 * x}, {6, x3 * x3}, {7, (x3 * x3) * x}, {8, x4 * x4}};
+    V r = select(is(e, 0), broadcast<V>(1), x);
+    for (const auto& [exponent, value] : powers) r = select(is(e, exponent), value, r);
+    const mask64_lanes inverts = std::bit_cast<mask64_lanes>(sign);
+    return set_lanes(inverts) == 0 ? r : select(inverts, broadcast<V>(1) / r, r);
+  }
+  static lane_set holds(int64_lanes y) {
+    return set_lanes(std::bit_cast<mask64_lanes>((y >= -8) & (y <= 8)));
+  }
+
+ private:
+  static mask64_lanes is(int64_lanes e, int64_t value) { return std::bit_cast<mask64_lanes>(e == value); }
 };
 
 /// x^y. Real and complex: undefined for 0^0. An integer exponent goes by products.
@@ -60,24 +119,55 @@ struct Pow {
   using on_integers = integer_pow;
   struct on_reals : checked {
     template <class T> static bool undefined(T x, T y) { return x == 0 && y == 0; }
-    template <class T> static T value(T x, T y) { return std::pow(x, y); }
+    template <class T> static T value(T x, T y) { return vm::pow(x, y); }
+    template <class V> static V body(V x, V y) { return vm::pow.body(x, y); }
+    template <class V> static lane_set settled(V x, V y, V r) { return vm::pow.settled(x, y, r); }
+  };
+  struct on_complexes : checked {
+    template <class T> static bool undefined(complex::parts<T> x, complex::parts<T> y) {
+      return x.re == 0 && x.im == 0 && y.re == 0 && y.im == 0;
+    }
+    template <class T> static complex::parts<T> value(complex::parts<T> x, complex::parts<T> y) {
+      return polar_power(x, y);
+    }
   };
   struct with_integer : checked {
-    template <class X> static constexpr bool serves = is_real_element<X>;
-    template <class T> static bool undefined(T x, mint y) { return x == 0 && y == 0; }
-    template <class T> static T value(T x, mint y) { return integer_power(x, y); }
+    template <class X> static constexpr bool serves = !is_integer_element<X>;
+    template <std::floating_point T> static bool undefined(T x, mint y) { return x == 0 && y == 0; }
+    template <std::floating_point T> static T value(T x, mint y) { return integer_power(x, y); }
+    static real64_lanes body(real64_lanes x, int64_lanes y) { return small_exponents::power(x, y); }
+    static lane_set settled(real64_lanes x, int64_lanes y, real64_lanes r) {
+      constexpr double least = std::numeric_limits<double>::min(), most = std::numeric_limits<double>::max();
+      return small_exponents::holds(y) &
+             lanes_between(magnitude(x), broadcast<real64_lanes>(least), broadcast<real64_lanes>(most)) &
+             lanes_between(magnitude(r), broadcast<real64_lanes>(least), broadcast<real64_lanes>(most));
+    }
+    template <class T> static bool undefined(complex::parts<T> x, mint y) {
+      return x.re == 0 && x.im == 0 && y == 0;
+    }
+    template <class T> static complex::parts<T> value(complex::parts<T> x, mint y) {
+      return complex_integer_power(x, y);
+    }
   };
 };
 
 /// The logarithm of x to the base given first; undefined for a base of 0.
-struct Log2Of {
+struct LogToBase {
   static constexpr int32_t number = 264;
   static constexpr char name[] = "log";
   static constexpr char return_range[] = "-CCCCCCCC";
   static constexpr mixed widens = mixed::all;
   struct on_reals : checked {
     template <class T> static bool undefined(T base, T) { return base == 0; }
-    template <class T> static T value(T base, T x) { return std::log(x) / std::log(base); }
+    template <class T> static T value(T base, T x) { return vm::log(x) / vm::log(base); }
+  };
+  struct on_complexes : checked {
+    template <class T> static bool undefined(complex::parts<T> base, complex::parts<T>) {
+      return base.re == 0 && base.im == 0;
+    }
+    template <class T> static complex::parts<T> value(complex::parts<T> base, complex::parts<T> x) {
+      return complex::quotient(complex::log(x), complex::log(base));
+    }
   };
 };
 
@@ -90,8 +180,40 @@ struct Atan2 {
   struct on_reals : checked {
     template <class T> static T value(T x, T y) { return std::atan2(y, x); }
   };
+  /// -i log((x + i y) / sqrt(x^2 + y^2)); real on the axes.
+  struct on_complexes : checked {
+    template <class T> static bool is_negative(complex::parts<T> z) {
+      return z.re < 0 || (z.re == 0 && z.im < 0);
+    }
+    template <class T> static bool is_zero(complex::parts<T> z) { return z.re == 0 && z.im == 0; }
+    template <class T> static complex::parts<T> value(complex::parts<T> x, complex::parts<T> y) {
+      constexpr T half_pi = complex::half_pi<T>;
+      if (is_zero(x)) return {is_zero(y) ? T(0) : is_negative(y) ? -half_pi : half_pi, 0};
+      if (is_zero(y)) return {is_negative(x) ? complex::pi<T> : T(0), 0};
+      const complex::parts<T> p = {x.re - y.im, x.im + y.re}, q = {x.re + y.im, x.im - y.re};
+      const complex::parts<T> direction = complex::product(p, complex::rsqrt(complex::product(p, q)));
+      return complex::turned_back(complex::log(direction));
+    }
+  };
 };
 
-using power_functions = function_list<Pow, Log2Of, Atan2>;
+using power_functions = function_list<Pow, LogToBase, Atan2>;
+
+/// The n-th root of z; n is not 0.
+template <class T> inline complex::parts<T> complex_root(mint n, complex::parts<T> z) {
+  const complex::parts<T> one = {1, 0};
+  switch (n) {
+    case -2:
+      return complex::rsqrt(z);
+    case -1:
+      return complex::quotient(one, z);
+    case 1:
+      return z;
+    case 2:
+      return complex::sqrt(z);
+    default:
+      return polar_power(z, {1 / static_cast<T>(n), T(0)});
+  }
+}
 
 }  // namespace vlm::machine_function::binary

@@ -41,6 +41,20 @@ template <class V> inline V cosh(V x) {
   return (sum.high + (sum.low + fused(-low * inverse, inverse, low))) * 0.5;
 }
 
+/// Both from one quotient q = E / (E + 1): (E + q) / 2 and 1 + (E - q) / 2. Within 1 ulp, in the range of cosh.
+template <class V> struct hyperbolic_sine_and_cosine { V sinh, cosh; };
+template <class V> inline hyperbolic_sine_and_cosine<V> sinh_cosh(V x) {
+  const auto e = expm1_pair(magnitude(x));
+  const auto q = divide(e, plus(1.0, e));
+  const V low = e.low - q.minus_low;
+  const auto sum = ordered_sum(e.high, q.high);
+  const auto difference = ordered_sum(e.high, -q.high);
+  const V high = difference.high * 0.5;
+  const auto whole = exact_sum(lanes<V>(1.0), high);
+  return {signed_like((sum.high + (sum.low + low)) * 0.5, x),
+          whole.high + fused(difference.low + (e.low + q.minus_low), lanes<V>(0.5), whole.low)};
+}
+
 /// E / (E + 2) with E = exp(2|x|) - 1; from 22 on the result is 1.
 /// At most 0.56 ulp measured.
 inline constexpr ordinary_range tanh_range{0, 0x1.fffffffffffffp+1023, true};

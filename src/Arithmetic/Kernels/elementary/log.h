@@ -46,4 +46,13 @@ template <class V> inline V log1p(V x) {
   return from_bits<V>(to_bits(y) | (to_bits(x) & sign_bit));
 }
 
+/// log sqrt((x.high + x.low)^2 + y^2), the argument of the logarithm to twice the precision, so that nothing is lost where it
+/// is near 1; x.low at most half an ulp of x.high, 2^-450 <= max(|x|, |y|) <= 2^500.
+template <class V> inline V log_magnitude(pair<V> x, V y) {
+  const V xx = x.high * x.high, yy = y * y;
+  const V xx_low = fused(x.high + x.high, x.low, fused(x.high, x.high, -xx));
+  const auto sum = exact_sum(xx, yy);
+  return log_of<true>(ordered_sum(sum.high, sum.low + (xx_low + fused(y, y, -yy)))) * 0.5;
+}
+
 }  // namespace vlm::elementary

@@ -22,10 +22,9 @@ template <class V> inline quarter_turns<V> reduce(V x) {
   return {high, fused(n.number, lanes<V>(-0x1.d1fc8f8cbb5bfp-89), error), n.bits};
 }
 
-/// sin(x + quarters pi/2). Both series are summed, each with what its leading terms lose to rounding; the
-/// quadrant selects one.
-template <int quarters, class V> inline V sine(V x) {
-  const auto q = reduce(x);
+/// The sine and the cosine of a reduced argument: both series are summed, each with what its leading terms lose to rounding.
+template <class V> struct reduced_sine_cosine { V sin, cos; };
+template <class V> inline reduced_sine_cosine<V> of_reduced(const quarter_turns<V>& q) {
   const V r = q.high;
   const V z = r * r;
   const V sin = r - fused(r * z, polynomial_constant_last<V>(z, sin_polynomial), q.minus_low);
@@ -35,9 +34,18 @@ template <int quarters, class V> inline V sine(V x) {
   const V rest = fused(-half, r, one - great);
   const V cos =
       great + fused(z * z, polynomial_constant_last<V>(z, cos_polynomial), fused(r, q.minus_low, rest));
-  const bits_of<V> turn = q.number + static_cast<uint64_t>(quarters);
-  const V y = select((turn & uint64_t{1}) == uint64_t{0}, sin, cos);
+  return {sin, cos};
+}
+
+/// sin(x + quarters pi/2): the quadrant selects one of the two.
+template <int quarters, class V> inline V in_quadrant(const reduced_sine_cosine<V>& of, bits_of<V> number) {
+  const bits_of<V> turn = number + static_cast<uint64_t>(quarters);
+  const V y = select((turn & uint64_t{1}) == uint64_t{0}, of.sin, of.cos);
   return from_bits<V>(to_bits(y) ^ ((turn << 62) & sign_bit));
+}
+template <int quarters, class V> inline V sine(V x) {
+  const auto q = reduce(x);
+  return in_quadrant<quarters>(of_reduced(q), q.number);
 }
 
 /// At most 0.83 ulp measured: near pi/4 the cubic term is 8 % of the result and is rounded three times.
@@ -47,6 +55,14 @@ template <class V> inline V sin(V x) { return sine<0>(x); }
 /// At most 0.84 ulp measured, where it is the sine of the reduced argument.
 inline constexpr ordinary_range cos_range{0, 0x1p20, true};
 template <class V> inline V cos(V x) { return sine<1>(x); }
+
+/// Both at the price of little more than one.
+template <class V> struct sine_and_cosine { V sin, cos; };
+template <class V> inline sine_and_cosine<V> sin_cos(V x) {
+  const auto q = reduce(x);
+  const auto of = of_reduced(q);
+  return {in_quadrant<0>(of, q.number), in_quadrant<1>(of, q.number)};
+}
 
 /// With t = 2 tan(r/2): tan r = t / (1 - t^2/4), and in odd quadrants -1 / tan r.
 /// At most 0.84 ulp measured.
