@@ -7,6 +7,7 @@
 #include <cstring>
 #include <optional>
 
+#include "Arithmetic/Kernels/binary/lane_access.h"
 #include "Arithmetic/Kernels/runs.h"
 #include "Arithmetic/Kernels/ternary.h"
 #include "velorim/machine_functions.h"
@@ -25,8 +26,6 @@ template <class F> inline constexpr bool divides = requires {
   &F::on_complex::template register_value<real64_lanes>;
 };
 
-template <class T> inline auto parts_of(T z) { return parts<decltype(z.re)>{z.re, z.im}; }
-
 /// The value for one element; integers wrap.
 template <class F, class T> inline T value_of(T a, T x, T y) {
   if constexpr (std::is_integral_v<T>) {
@@ -36,8 +35,7 @@ template <class F, class T> inline T value_of(T a, T x, T y) {
   } else if constexpr (is_real_element<T>) {
     return F::on_reals::value(a, x, y);
   } else {
-    const auto z = F::on_complex::value(parts_of(a), parts_of(x), parts_of(y));
-    return {z.re, z.im};
+    return element_from(F::on_complex::value(number_from(a), number_from(x), number_from(y)));
   }
 }
 
@@ -61,65 +59,52 @@ template <class F, class T> inline bool checked_element(T* result, T a, T x, T y
 
 // ---- Values of a run, without checks.
 
-/// The numbers of two registers, and those of an array as they lie.
-template <class V> inline parts<V> load_parts(const void* p) {
-  two_registers<V> pairs;
-  std::memcpy(&pairs, p, sizeof pairs);
-  pairs = split_pairs(pairs);
-  return {pairs.first, pairs.second};
-}
-template <class V> inline void store_parts(void* p, parts<V> z) {
-  const two_registers<V> pairs = join_pairs<V>({z.re, z.im});
-  std::memcpy(p, &pairs, sizeof pairs);
-}
-
 /// The lanes that are not ordinary, computed as numbers outside the quiet section.
-template <class F, class V>
+template <class F, class T, class V>
 [[gnu::cold, gnu::noinline]] parts<V> with_special_lanes(parts<V> a, parts<V> x, parts<V> y, parts<V> r,
                                                          lane_set ordinary,
                                                          std::optional<fp::quiet_section>& quiet) {
-  using number = number_of<V>;
-  const auto lane_of = [](parts<V> z, int lane) { return parts<number>{z.re[lane], z.im[lane]}; };
+  using form = lane_form<T>;
   fp::pin(r);
   quiet.reset();
   for (int lane = 0; lane < lanes_of<V>::count; ++lane) {
     if ((ordinary >> lane & 1) != 0) continue;
-    const parts<number> z = F::on_complex::value(lane_of(a, lane), lane_of(x, lane), lane_of(y, lane));
-    r.re[lane] = z.re;
-    r.im[lane] = z.im;
+    form::set_lane(r, lane,
+                   F::on_complex::value(form::lane(a, lane), form::lane(x, lane), form::lane(y, lane)));
   }
   quiet.emplace();
   return r;
 }
 
+/// One set of registers of a function that divides, in a quiet section, or of another.
+template <class F, class T, class V>
+inline parts<V> register_value(parts<V> a, parts<V> x, parts<V> y, std::optional<fp::quiet_section>& quiet) {
+  if constexpr (divides<F>) {
+    lane_set ordinary;
+    const parts<V> r = F::on_complex::register_value(a, x, y, ordinary);
+    if (ordinary == every_lane<V>) [[likely]]
+      return r;
+    return with_special_lanes<F, T>(a, x, y, r, ordinary, quiet);
+  } else {
+    return F::on_complex::value(a, x, y);
+  }
+}
+
 template <class F, class T> void complex_values(T* result, const T* a, const T* x, const T* y, mint n) {
-  using V = register_of<typename fp_parts<T>::real>;
-  constexpr mint width = lanes_of<V>::count;
+  using form = lane_form<T>;
+  constexpr mint width = lane_count<T>;
   std::optional<fp::quiet_section> quiet;
   if constexpr (divides<F>) quiet.emplace();
-  const auto step = [&quiet](T* to, const T* a_at, const T* x_at, const T* y_at) {
-    const auto av = load_parts<V>(a_at), xv = load_parts<V>(x_at), yv = load_parts<V>(y_at);
-    parts<V> r;
-    if constexpr (divides<F>) {
-      lane_set ordinary;
-      r = F::on_complex::register_value(av, xv, yv, ordinary);
-      if (ordinary != every_lane<V>) [[unlikely]]
-        r = with_special_lanes<F>(av, xv, yv, r, ordinary, quiet);
-    } else {
-      r = F::on_complex::value(av, xv, yv);
-    }
-    store_parts(to, r);
-  };
   mint i = 0;
-  for (; i + width <= n; i += width) step(result + i, a + i, x + i, y + i);
-  if (i < n) {  // the rest, filled up with its first element, which raises nothing new
-    T rest[4][width];
-    const T* sources[] = {a, x, y};
-    for (int s = 0; s < 3; ++s) {
-      for (mint k = 0; k < width; ++k) rest[s][k] = sources[s][i + k < n ? i + k : i];
-    }
-    step(rest[3], rest[0], rest[1], rest[2]);
-    std::copy(rest[3], rest[3] + (n - i), result + i);
+  for (; i + width <= n; i += width) {
+    form::put(result + i, register_value<F, T>(form::get(a + i), form::get(x + i), form::get(y + i), quiet));
+  }
+  if (i < n) {
+    const mint rest = n - i;
+    form::put_first(result + i,
+                    register_value<F, T>(form::get_first(a + i, rest), form::get_first(x + i, rest),
+                                         form::get_first(y + i, rest), quiet),
+                    rest);
   }
 }
 
