@@ -22,8 +22,7 @@ using vlm_test::dims_of;
 using reals = std::vector<double>;
 
 constexpr uint32_t fp = MACHFUNC_CHECK_FP, integer = MACHFUNC_CHECK_INTEGER;
-constexpr double infinity = std::numeric_limits<double>::infinity(),
-                 quiet_nan = std::numeric_limits<double>::quiet_NaN();
+constexpr double infinity = std::numeric_limits<double>::infinity();
 const double pi = std::acos(-1.0);
 
 void expect_parts(const MNumericArray* array, const reals& expected) {
