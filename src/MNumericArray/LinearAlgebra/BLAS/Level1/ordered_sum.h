@@ -65,10 +65,13 @@ template <class T, class Terms> class ordered_sum {
   static constexpr mint least_block = 64;    ///< the same where a larger block failed
   static constexpr mint most_blocks = 2048;  ///< of a run on the team
 
+  /// The end of a block keeps the processor from reading on by itself. Of 512, 1024 and 2048 bytes the last was the best.
+  static constexpr int bytes_ahead = 2048;
+
   /// By how much the sum grows in a run of elements that starts in the binade of c with these terms.
   struct growth {
     T c = 0;
-    T amount = 0;  ///< NaN if the run has to be added in turn
+    T amount = 0;  ///< infinite if the run has to be added in turn
     Terms terms;
   };
 
@@ -76,44 +79,55 @@ template <class T, class Terms> class ordered_sum {
     using V = register_of<T>;
     using bits = typename lanes_of<V>::signed_bits;  // magnitudes are ordered as their bits
     constexpr int lanes = lanes_of<V>::count;
-    constexpr T failed = std::numeric_limits<T>::quiet_NaN();
+    constexpr T failed = std::numeric_limits<T>::infinity();
     // Half a spacing has to be a normal number, and twice the binade finite.
     constexpr T least = std::numeric_limits<T>::min() / std::numeric_limits<T>::epsilon() * 2;
     const T largest = terms.largest(c);
-    if (!(c >= least && c <= std::numeric_limits<T>::max() / 4) || !(largest > 0)) return {c, failed, terms};
+    const bool ordinary =
+        std::isgreaterequal(c, least) && std::islessequal(c, std::numeric_limits<T>::max() / 4);
+    if (!ordinary || largest <= 0) return {c, failed, terms};
 
     const auto term = terms.rule();
-    const V base = broadcast<V>(c), half_spacing = broadcast<V>(c * (std::numeric_limits<T>::epsilon() / 2));
+    const V base = broadcast<V>(c);
     const bits most = (bits)broadcast<V>(largest);
-    constexpr int side_by_side = 4;
-    V sums[side_by_side] = {};
-    bits refused[side_by_side] = {};
-    // Elements that are refused do not enter the arithmetic, where they might raise a flag.
-    const auto take = [&](V v, int k) {
+    struct {
+      V growth = {};
+      bits largest = {};   ///< of the magnitudes
+      bits furthest = {};  ///< of the distances from a term to its rounding: half a spacing is a middle
+    } side[4];
+    constexpr int sides = 4;
+    const auto take = [&](V v, auto& s) {
       const bits b = (bits)magnitude(v);
+      s.largest = b > s.largest ? b : s.largest;
+      // What is too large does not enter the arithmetic, where it might raise a flag.
       const V t = term((V)(b < most ? b : most));
       const V rounded = (base + t) - base;
-      refused[k] |= (bits)(b > most) | (bits)(magnitude(t - rounded) == half_spacing);
-      sums[k] += rounded;
+      const bits distance = (bits)magnitude(t - rounded);
+      s.furthest = distance > s.furthest ? distance : s.furthest;
+      s.growth += rounded;
     };
     mint i = 0;
-    for (; i + side_by_side * lanes <= n; i += side_by_side * lanes) {
-      for (int k = 0; k < side_by_side; ++k) take(load<V>(x + i + k * lanes), k);
+    for (; i + sides * lanes <= n; i += sides * lanes) {
+      for (int k = 0; k < sides; ++k) {
+        const T* const v = x + i + k * lanes;
+        __builtin_prefetch(reinterpret_cast<const char*>(v) + bytes_ahead);
+        take(load<V>(v), side[k]);
+      }
     }
-    for (; i + lanes <= n; i += lanes) take(load<V>(x + i), 0);
+    for (; i + lanes <= n; i += lanes) take(load<V>(x + i), side[0]);
     if (i < n) {
       V rest = {};
       for (int k = 0; i + k < n; ++k) rest[k] = x[i + k];
-      take(rest, 0);
+      take(rest, side[0]);
     }
-    for (int k = 1; k < side_by_side; ++k) {
-      sums[0] += sums[k];
-      refused[0] |= refused[k];
-    }
+    const bits half_spacing = (bits)broadcast<V>(c * (std::numeric_limits<T>::epsilon() / 2));
+    bits refused = {};
+    for (const auto& s : side) refused |= (bits)(s.largest > most) | (bits)(s.furthest >= half_spacing);
+    const V growths = (side[0].growth + side[1].growth) + (side[2].growth + side[3].growth);
     T amount = 0;
     for (int k = 0; k < lanes; ++k) {
-      amount += sums[0][k];
-      if (refused[0][k] != 0) return {c, failed, terms};
+      amount += growths[k];
+      if (refused[k] != 0) return {c, failed, terms};
     }
     return {c, amount, terms};
   }
@@ -121,7 +135,8 @@ template <class T, class Terms> class ordered_sum {
   /// Takes in a run by its growth, if that holds for the sum as it is.
   bool grow(const growth& g) {
     // A sum of growths that was not exact is not below c.
-    if (!(sum_ >= g.c && sum_ + g.amount < 2 * g.c) || !(g.terms == terms_)) return false;
+    const bool within = std::isgreaterequal(sum_, g.c) && std::isless(sum_ + g.amount, 2 * g.c);
+    if (!within || !(g.terms == terms_)) return false;
     sum_ += g.amount;
     return true;
   }
@@ -167,7 +182,7 @@ template <class T, class Terms> class ordered_sum {
       }
       for (mint i = first; i < first + count; ++i) {
         growths[i] = growth_of(x + i * length, count_of(i), binade_of(expected), terms);
-        expected += std::isnan(growths[i].amount) ? rate : growths[i].amount;
+        expected += std::isinf(growths[i].amount) ? rate : growths[i].amount;
       }
       const std::lock_guard lock(mutex);
       std::fill_n(ready + first, count, true);
