@@ -17,6 +17,7 @@
 #pragma once
 
 #include <algorithm>
+#include <atomic>
 #include <bit>
 #include <cfenv>
 #include <cmath>
@@ -158,38 +159,58 @@ template <class T, class Terms> class ordered_sum {
     }
   }
 
+  /// What the members of a team know of a sum that is on its way.
+  struct progress {
+    Terms terms;
+    T sum;
+    mint taken;  ///< blocks that the sum holds
+  };
+
   /// The members compute the growths of blocks for the states that they expect; blocks whose state came true are taken in as they are,
-  /// in order, and the others again. The result is that of add_here whoever computes what.
+  /// in order, and the others again. The result is that of add_here whoever computes what. No member waits for another: what is ready
+  /// is taken in by one of them at a time, and the others leave it to that one.
   void add_on_team(const T* x, mint n, mint chunk) {
     const mint length = std::max(block, n / most_blocks + 1);
     const mint blocks = (n - 1) / length + 1;
     const auto count_of = [=](mint i) { return std::min(length, n - i * length); };
     growth growths[most_blocks];
-    bool ready[most_blocks] = {};
-    std::mutex mutex;
+    std::atomic<bool> ready[most_blocks] = {};
     // The first block tells what to expect of the others.
     add_here(x, count_of(0));
-    mint taken = 1;
+    mint next = 1;  // with the sum and the terms in the hands of who takes in
+    std::mutex taking_in, reading;
+    progress known = {terms_, sum_, next};
+
+    const auto take_in = [&] {
+      mint reached;
+      do {
+        const std::unique_lock turn(taking_in, std::try_to_lock);
+        if (!turn) return;
+        for (; next < blocks && ready[next].load(std::memory_order_acquire); ++next) {
+          if (!grow(growths[next])) add_here(x + next * length, count_of(next));
+        }
+        reached = next;
+        const std::lock_guard lock(reading);
+        known = {terms_, sum_, next};
+      } while (reached < blocks && ready[reached].load(std::memory_order_acquire));
+    };
     parallel::for_chunks(blocks - 1, std::max(chunk / length, mint{1}), [&](mint first, mint count) {
       ++first;
-      Terms terms;
-      T rate, expected;
+      progress now;
       {
-        const std::lock_guard lock(mutex);
-        terms = terms_;
-        rate = sum_ / static_cast<T>(taken);
-        expected = sum_ + rate * static_cast<T>(first - taken);
+        const std::lock_guard lock(reading);
+        now = known;
       }
+      const T rate = now.sum / static_cast<T>(now.taken);
+      T expected = now.sum + rate * static_cast<T>(first - now.taken);
       for (mint i = first; i < first + count; ++i) {
-        growths[i] = growth_of(x + i * length, count_of(i), binade_of(expected), terms);
+        growths[i] = growth_of(x + i * length, count_of(i), binade_of(expected), now.terms);
         expected += std::isinf(growths[i].amount) ? rate : growths[i].amount;
+        ready[i].store(true, std::memory_order_release);
       }
-      const std::lock_guard lock(mutex);
-      std::fill_n(ready + first, count, true);
-      for (; taken < blocks && ready[taken]; ++taken) {
-        if (!grow(growths[taken])) add_here(x + taken * length, count_of(taken));
-      }
+      take_in();
     });
+    take_in();
   }
 
   Terms terms_;
