@@ -3,7 +3,7 @@
  *
  * A function is a number. With an element type it names a row of the catalogue: a scalar kernel, a vector
  * kernel and the element type of the result. Function numbers are part of the interface: 1 to 86 take one
- * argument. All tables are constant and every function here may be called on any thread; calls on distinct
+ * argument, 257 to 287 two (one row for a pair of element types). All tables are constant and every function here may be called on any thread; calls on distinct
  * targets may run at the same time.
  *
  * What counts as a failure
@@ -130,6 +130,65 @@ enum MachFuncNumber {
   MachFunc_triangle = 86,  /**< 1 - |x| for |x| < 1, else 0 */
 };
 
+/** Functions of two arguments x and y. In brackets the element types that have a row: I the integer types, R the real ones, C the complex
+ *  ones, each with itself; "mixed" every pair of different types among Integer64, Real64 and ComplexReal64, "mixed reals" Integer64
+ *  with Real64 either way round. A mixed row widens its arguments to the type that is further back, a real to a complex number with
+ *  imaginary part 0, and gives what that type gives with itself. The result has the type of the arguments unless a comment says
+ *  otherwise. Then follow the failures that are detected always; integer overflow, and a NaN or infinite result of floating-point
+ *  arguments, are failures under the flags. */
+enum MachFuncNumber2 {
+  MachFunc_plus = 257,     /**< x + y [I R C, mixed]; unsigned sums overflow by a carry */
+  MachFunc_subtract = 258, /**< x - y [I R C, mixed]; of unsigned types x < y overflows */
+  MachFunc_times = 259, /**< x y [I R C, mixed]; complex products recover infinities as C11 annex G has it */
+  MachFunc_div = 260,   /**< x / y [R C, mixed] */
+  MachFunc_mod =
+      261, /**< x modulo y with the sign of y [I R C, mixed]; complex: x - q y with the parts of q = x / y rounded; always
+                              fails for y = 0 */
+  MachFunc_quotient =
+      262, /**< floor(x / y) [I R, mixed reals], an Integer64 for reals; integers always fail for y = 0 and for the most
+                              negative x by -1; reals under MACHFUNC_CHECK_INTEGER for y = 0 and beyond mint, unchecked they saturate
+                              and NaN gives 0 */
+  MachFunc_pow =
+      263, /**< x^y [I R C, mixed; R and ComplexReal32 also with Integer64]. An integer exponent goes by products. Integers
+                              always fail for 0^y with y <= 0, and for y < 0 unless |x| = 1. Others: 0^0 fails with the check on,
+                              unchecked it raises invalid and gives a signalling NaN */
+  MachFunc_log2of =
+      264, /**< "log", log y to the base x: log(y) / log(x) [R C, mixed]; base 0 like 0^0 of pow */
+  MachFunc_atan2 =
+      265, /**< angle of the point (x, y), the abscissa first [R C, mixed]; complex: -i log((x + i y) / sqrt(x^2 + y^2)) */
+  MachFunc_bitand = 266, /**< [I] */
+  MachFunc_bitor = 267,  /**< [I] */
+  MachFunc_bitxor = 268, /**< [I] */
+  MachFunc_chop =
+      269, /**< 0 where |x| < y, else x [R; ComplexReal32 with Real32, ComplexReal64 with Real64: each part, a complex
+                              result]; always fails for y < 0 */
+  MachFunc_abserr = 270, /**< |x - y| [I R C, mixed], real for complex arguments; unsigned: x - y */
+  MachFunc_relerr = 271, /**< |(y - x) / y| [R C, mixed], real for complex arguments */
+  MachFunc_maxabs = 272, /**< the larger of |x| and |y| [I R C], real for complex arguments */
+  MachFunc_intexp = 273, /**< largest k with y^k dividing x [I]; always fails for y < 2 and for x = 0 */
+  MachFunc_intlen = 274, /**< digits of |x| in base y, 0 for 0 [I]; always fails for y < 2 */
+  MachFunc_bitshiftleft =
+      275, /**< |x| 2^y with the sign of x [I; every other type with Integer64]: integers shift the magnitude,
+                                     reals scale, complex numbers part by part; y < 0 shifts right. Under the check, bits that leave the
+                                     type fail; unchecked the count is taken modulo the width */
+  MachFunc_bitshiftright = 276, /**< bitshiftleft by -y */
+  MachFunc_box2 = 277,          /**< 1 for |x|, |y| <= 1/2, else 0 [I R], Integer64 for reals */
+  MachFunc_unitize2 =
+      278, /**< "unitize", 1 for |x| >= y or |x| within 2^-46 y of it, else 0 [I R; C with its component type],
+                                     Integer64 for reals and complex numbers; always fails for y <= 0 */
+  MachFunc_unitstep2 = 279, /**< 1 for x, y >= 0, else 0 [I R], Integer64 for reals */
+  MachFunc_triangle2 = 280, /**< (1 - |x|) (1 - |y|), 0 where both magnitudes are above 1 [I R] */
+  MachFunc_gcd = 281,       /**< greatest common divisor, not negative [I] */
+  MachFunc_lcm = 282,       /**< least common multiple, not negative [I] */
+  MachFunc_ceilingmultiple =
+      283, /**< y ceil(x / y) [I R C, mixed without ci and cd]; Real64 with Integer64 gives Integer64. Integers
+                                     always fail for y = 0 and for the most negative x by -1 */
+  MachFunc_floormultiple = 284, /**< y floor(x / y), as ceilingmultiple */
+  MachFunc_roundmultiple = 285, /**< y round(x / y), ties to even, as ceilingmultiple */
+  MachFunc_max = 286,           /**< [I R, mixed reals]; a NaN gives the other argument, +0 is above -0 */
+  MachFunc_min = 287,           /**< [I R, mixed reals]; likewise */
+};
+
 /** Scalar kernel: one element through pointers to elements of the row's types.
  *  returns 0, or 1 on failure with nothing written. A floating-point result is checked by value, as in element
  *  mode. */
@@ -199,6 +258,22 @@ MachFuncScalar1 MTensor_getUnaryScalarMachFunc(int32_t number, int32_t type) VLM
 MachFuncScalar1 MNumericArray_getUnaryScalarMachFunc(int32_t number, int32_t type) VLM_NOEXCEPT;
 int32_t MTensor_ReturnType1(int32_t number, int32_t type) VLM_NOEXCEPT;
 int32_t MNumericArray_ReturnType1(int32_t number, int32_t type) VLM_NOEXCEPT;
+
+/** The same for functions of two arguments. xType and yType are tensor type codes or element type codes as above; there is no row for
+ *  a pair outside the table of MachFuncNumber2. */
+MachFuncVector2 MTensor_getBinaryVectorMachFunc(int32_t number, int32_t xType, int32_t yType) VLM_NOEXCEPT;
+MachFuncVector2 MNumericArray_getBinaryVectorMachFunc(int32_t number, int32_t xType,
+                                                      int32_t yType) VLM_NOEXCEPT;
+MachFuncScalar2 MTensor_getBinaryScalarMachFunc(int32_t number, int32_t xType, int32_t yType) VLM_NOEXCEPT;
+MachFuncScalar2 MNumericArray_getBinaryScalarMachFunc(int32_t number, int32_t xType,
+                                                      int32_t yType) VLM_NOEXCEPT;
+int32_t MTensor_ReturnType2(int32_t number, int32_t xType, int32_t yType) VLM_NOEXCEPT;
+int32_t MNumericArray_ReturnType2(int32_t number, int32_t xType, int32_t yType) VLM_NOEXCEPT;
+
+/** The tensor type that can hold every result of a function of two arguments on two tensor types: 2, 3 or 4; 7 if there is no such
+ *  function for them. The boolean type 1 reads like 2. It speaks of the function over its whole domain (pow and log of reals answer 4),
+ *  MTensor_ReturnType2 of the rows. */
+int32_t ReturnRangeType2(int32_t number, int32_t xType, int32_t yType) VLM_NOEXCEPT;
 
 /** The tensor type that can hold every result of the function on a tensor type, over its whole domain: log of
  *  reals can be complex.

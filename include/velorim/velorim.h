@@ -5,6 +5,7 @@
 #include <velorim/array.h>
 #include <velorim/array_services.h>
 #include <velorim/base.h>
+#include <velorim/binary_scalar_functions.h>
 #include <velorim/blas.h>
 #include <velorim/containers.h>
 #include <velorim/errors.h>

@@ -2,8 +2,8 @@
 //
 // The plain forms are the formulas alone, over V = double, float or a register of either, the same bits for
 // every V. The full forms, on numbers, recover infinities that the formulas lose to NaN (C11, annex G.5.1). A
-// loop over registers takes the plain form and goes back to the full form for the lanes that
-// product_is_plain and quotient_is_plain do not vouch for.
+// loop over registers takes the plain form and goes back to the full form for the lanes that finite_lanes and is_plain_divisor do not
+// vouch for.
 //
 // Each product of reals is rounded before it is added: x conj(x) has an imaginary part of exactly 0. Compilers
 // that join a multiplication to an addition in pairs of parts are kept from it by rounded().
@@ -104,9 +104,11 @@ template <class V> inline V squared_magnitude(parts<V> y) {
 
 }  // namespace detail
 
-/// The lanes in which the plain form is the full one: not both parts came out as NaN.
-template <class V> inline lane_set product_is_plain(parts<V> product) {
-  return set_lanes((product.re == product.re) | (product.im == product.im));
+/// The lanes whose two parts are finite. A plain product or quotient that is finite is the full one.
+template <class V> inline lane_set finite_lanes(parts<V> z) {
+  using number = number_of<V>;
+  const V none{}, most = broadcast<V>(std::numeric_limits<number>::max());
+  return lanes_between(magnitude(z.re), none, most) & lanes_between(magnitude(z.im), none, most);
 }
 
 /// The full product.
@@ -117,7 +119,7 @@ template <class T> inline parts<T> product(parts<T> x, parts<T> y) {
   return plain;
 }
 
-/// The quotient; lanes whose divisor lies outside the bounds of quotient_is_plain mean nothing.
+/// The quotient; lanes whose divisor lies outside the bounds of is_plain_divisor mean nothing.
 template <class V> inline parts<V> plain_quotient(parts<V> x, parts<V> y) {
   using number = number_of<V>;
   using bits = typename lanes_of<V>::unsigned_bits;
@@ -133,15 +135,14 @@ template <class V> inline parts<V> plain_quotient(parts<V> x, parts<V> y) {
   return {q.re * scale, q.im * scale};
 }
 
-/// The lanes in which the plain form is the full one: a divisor within bounds, and not both parts NaN.
-template <class V> inline lane_set quotient_is_plain(parts<V> y, parts<V> quotient) {
+/// The lanes whose divisor the plain form can take: its larger part within bounds.
+template <class V> inline lane_set is_plain_divisor(parts<V> y) {
   using number = number_of<V>;
   constexpr bool wide = sizeof(number) == 8;
   const V re = magnitude(y.re), im = magnitude(y.im);
   const V larger = select(re > im, re, im);
   return lanes_between(larger, broadcast<V>(wide ? number(0x1p-1000) : number(0x1p-100f)),
-                       broadcast<V>(wide ? number(0x1p1000) : number(0x1p100f))) &
-         set_lanes((quotient.re == quotient.re) | (quotient.im == quotient.im));
+                       broadcast<V>(wide ? number(0x1p1000) : number(0x1p100f)));
 }
 
 /// The full quotient.

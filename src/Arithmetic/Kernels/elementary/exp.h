@@ -10,11 +10,12 @@ inline constexpr double sixteenths_per_e = 0x1.71547652b82fep+4;  // 16 / ln 2
 inline constexpr double sixteenth_high = 0x1.62e42fefa39efp-5;    // ln 2 / 16
 inline constexpr double sixteenth_low = 0x1.abc9e3b39803fp-60;
 
-/// 2^(n/16) (1 + part) = exp(x).
+/// 2^(n/16) (1 + part) = exp(x), or of x and a small number besides.
 template <class V> struct scaled_exp { V power, part; };
-template <class V> inline scaled_exp<V> exp_parts(V x) {
+template <class V, class... Low> inline scaled_exp<V> exp_parts(V x, Low... low) {
   const auto n = nearest_integer(x, sixteenths_per_e);
-  const V r = fused(n.number, lanes<V>(-sixteenth_low), fused(n.number, lanes<V>(-sixteenth_high), x));
+  const V reduced = fused(n.number, lanes<V>(-sixteenth_low), fused(n.number, lanes<V>(-sixteenth_high), x));
+  const V r = (reduced + ... + low);
   const V rest = fused(r * r, polynomial<V>(r, exp_polynomial), look_up(power_error, n.bits));
   return {from_bits<V>(to_bits(look_up(power_bits, n.bits)) + (n.bits << 48)), r + rest};
 }

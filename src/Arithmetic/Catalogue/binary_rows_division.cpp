@@ -1,0 +1,4 @@
+#include "Arithmetic/Catalogue/binary_make_rows.h"
+#include "Arithmetic/Kernels/binary/division.h"
+
+template struct vlm::machine_function::binary_family<vlm::machine_function::binary::division_functions>;
