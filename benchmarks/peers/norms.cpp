@@ -1,5 +1,5 @@
-// Norms of 4 million Real64 beside a loop that reads as much on as many threads, and the same of numbers that make it hard to add them
-// side by side.
+// Norms of 4 million Real64 beside a loop that reads as much on as many threads, and the same of numbers that make it hard to add
+// them side by side.
 #include <omp.h>
 
 #include <cmath>

@@ -141,7 +141,8 @@ for name in [f"{clip}{base}" for base in METHODS for clip in ("", "ClipAnd")]:
 check(verdicts.get("Check", "?")[0].startswith("1305"), f"Check of degrees: {verdicts.get('Check')}")
 check(verdicts.get("Round", "???")[:3] == ("0, done", str(round(min(high))), str(round(max(high)))), f"{verdicts.get('Round')}")
 check(verdicts.get("Round", "????")[3].startswith("1305"), f"Round of tenths: {verdicts.get('Round')}")
-check(verdicts.get("ClipAndRound", "?" * 6)[3:] == ("0, done", str(round(10 * min(high))), "127"), f"{verdicts.get('ClipAndRound')}")
+check(verdicts.get("ClipAndRound", "?" * 6)[3:] == ("0, done", str(round(10 * min(high))), "127"),
+      f"{verdicts.get('ClipAndRound')}")
 
 if "--repeat" in sys.argv[3:]:
     measured = run("--repeat", "1")

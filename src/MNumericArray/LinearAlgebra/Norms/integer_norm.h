@@ -11,7 +11,8 @@
 
 namespace vlm::norms {
 
-/// Runs fold(m, x) over n elements and gives the last m. Contiguous elements are a loop of their own, for the compiler to vectorise.
+/// Runs fold(m, x) over n elements and gives the last m. Contiguous elements are a loop of their own, for the compiler to
+/// vectorise.
 template <class T, class M, class Fold>
 inline M folded(const T* x, mint n, mint stride, M m, const Fold& fold) {
   const auto run = [&](auto step) {
@@ -35,8 +36,8 @@ template <class T> std::make_unsigned_t<T> wrapped_total(const T* x, mint n, min
                 [](U sum, T v) { return static_cast<U>(sum + machine_function::unsigned_magnitude(v)); });
 }
 
-/// The sum of magnitudes if it and every sum on the way fit T. Sums only grow, so that a block whose largest magnitude leaves room for
-/// all of its elements needs no test of the single steps.
+/// The sum of magnitudes if it and every sum on the way fit T. Sums only grow, so that a block whose largest magnitude leaves room
+/// for all of its elements needs no test of the single steps.
 template <class T> std::optional<T> checked_total(const T* x, mint n, mint stride) {
   using U = std::make_unsigned_t<T>;
   constexpr U most = static_cast<U>(std::numeric_limits<T>::max());

@@ -1,5 +1,5 @@
-// The norms of each order over a sequence of magnitudes: one loop for the infinity norm, one for the sum, and one, in scaled_sum.h, for
-// every other order. The sequence is a function of the position.
+// The norms of each order over a sequence of magnitudes: one loop for the infinity norm, one for the sum, and one, in
+// scaled_sum.h, for every other order. The sequence is a function of the position.
 #pragma once
 
 #include <cstdint>

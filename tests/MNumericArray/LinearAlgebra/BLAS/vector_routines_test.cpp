@@ -1,5 +1,5 @@
-// Faults it is meant to catch: increments from the wrong end; sums in another order than the reference's, seen in their bits; ties of
-// the largest magnitude; scales that overflow; illegal arguments reported with the wrong number or tag, or followed by a write.
+// Faults it is meant to catch: increments from the wrong end; sums in another order than the reference's, seen in their bits; ties
+// of the largest magnitude; scales that overflow; illegal arguments reported with the wrong number or tag, or followed by a write.
 #include <gtest/gtest.h>
 
 #include <cfenv>

@@ -1,5 +1,5 @@
-// Faults it is meant to catch: an element type in another's precision or width; overflow looked for in the wrong sum, or found a block
-// too late or too early; the most negative integer; binary16 rounded at the end only; statuses that leave a result.
+// Faults it is meant to catch: an element type in another's precision or width; overflow looked for in the wrong sum, or found a
+// block too late or too early; the most negative integer; binary16 rounded at the end only; statuses that leave a result.
 #include <gtest/gtest.h>
 
 #include <cerrno>

@@ -29,9 +29,10 @@ template <class T> T sum_of_magnitudes(mint n, const T* x, mint incx) {
   return sum.sum();
 }
 
-/// Quotients by one divisor, correctly rounded, in less time than a division. With the rounded reciprocal r of d, q = x r is off by an
-/// ulp or so, x - q d is exact, and q + r (x - q d) rounds as x / d does (Markstein, IBM J. Res. Dev. 34, 1990), if all of it is in the
-/// ordinary range and rounds to nearest. For x below 2^-60 d the quotient is only known to be below 2^-59.
+/// Quotients by one divisor, correctly rounded, in less time than a division. With the rounded reciprocal r of d, q = x r is off
+/// by an ulp or so, x - q d is exact, and q + r (x - q d) rounds as x / d does (Markstein, IBM J. Res. Dev. 34, 1990), if all of
+/// it is in the ordinary range and rounds to nearest. Where x is so far below d (2^-60, Real32 2^-30) that the difference may be
+/// subnormal, the quotient is only known to be as small.
 template <class T> class division_by {
  public:
   explicit division_by(T divisor) : divisor_(divisor), reciprocal_(1 / divisor) {
@@ -57,7 +58,7 @@ template <class T> class division_by {
   bool by_reciprocal_;
 };
 
-/// Terms that are squares over the square of the running scale. Those below 2^-100, whose quotients need not be exact, add nothing to a
+/// Terms that are squares over the square of the running scale. Those of quotients that are only known to be small add nothing to a
 /// sum of 1 or more.
 template <class T> struct square_terms {
   T scale = 0;

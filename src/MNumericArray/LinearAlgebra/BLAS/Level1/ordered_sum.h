@@ -1,12 +1,12 @@
 // Sums that have to come out as if their terms were added one after the other, in less time than that takes.
 //
 // Added in turn, each addition waits for the one before it. But as long as a sum s of terms t >= 0 stays within one binade,
-// c <= s < 2 c for a power of two c, every sum on the way is a multiple of the spacing u of that binade, so that the rounding of s + t
-// is s + r(t) with t rounded to a multiple of u: by how much s grows depends on t alone, not on s. And r(t) = (c + t) - c. The growths
-// of all terms are multiples of u below 2^53 u, which add up exactly in any order: side by side in registers, and on many threads.
-// One case is left: a t in the middle between two multiples of u goes to the even sum, which s decides. A block with such a term, one
-// that leaves the binade, or one with a term that no sum could take in (infinity, NaN) is added in turn. Of ordinary data that
-// happens to a handful of blocks: the binades of a sum of a million alike terms are twenty.
+// c <= s < 2 c for a power of two c, every sum on the way is a multiple of the spacing u of that binade, so that the rounding of s
+// + t is s + r(t) with t rounded to a multiple of u: by how much s grows depends on t alone, not on s. And r(t) = (c + t) - c. The
+// growths of all terms are multiples of u below 2^53 u, which add up exactly in any order: side by side in registers, and on many
+// threads. One case is left: a t in the middle between two multiples of u goes to the even sum, which s decides. A block with such
+// a term, one that leaves the binade, or one with a term that no sum could take in (infinity, NaN) is added in turn. Of ordinary
+// data that happens to a handful of blocks: the binades of a sum of a million alike terms are twenty.
 //
 // What the terms are, is told by a class `Terms` of the magnitudes v, which may have a state that changes along the way:
 //   void add(T v, T& sum)       takes v in as the algorithm says
@@ -166,9 +166,9 @@ template <class T, class Terms> class ordered_sum {
     mint taken;  ///< blocks that the sum holds
   };
 
-  /// The members compute the growths of blocks for the states that they expect; blocks whose state came true are taken in as they are,
-  /// in order, and the others again. The result is that of add_here whoever computes what. No member waits for another: what is ready
-  /// is taken in by one of them at a time, and the others leave it to that one.
+  /// The members compute the growths of blocks for the states that they expect; blocks whose state came true are taken in as they
+  /// are, in order, and the others again. The result is that of add_here whoever computes what. No member waits for another: what
+  /// is ready is taken in by one of them at a time, and the others leave it to that one.
   void add_on_team(const T* x, mint n, mint chunk) {
     const mint length = std::max(block, n / most_blocks + 1);
     const mint blocks = (n - 1) / length + 1;
