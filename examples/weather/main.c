@@ -7,6 +7,7 @@
 #include <velorim/velorim.h>
 
 #include "csv.h"
+#include "derived.h"
 #include "report.h"
 #include "throughput.h"
 
@@ -80,6 +81,7 @@ int main(int count, char** arguments) {
   if (status == 0) {
     VelorimRTL_initialize();
     status = report_weather(&table);
+    if (status == 0) status = report_derived(&table);
     if (status == 0 && options.repeat > 0) status = measure_throughput(&table, options.repeat);
     DeinitializeRuntimeLibrary(1);
   }

@@ -21,6 +21,18 @@ const char* function_name(int32_t number) {
       return "sqrt";
     case MachFunc_unitstep:
       return "unitstep";
+    case MachFunc_ramp:
+      return "ramp";
+    case MachFunc_plus:
+      return "plus";
+    case MachFunc_subtract:
+      return "subtract";
+    case MachFunc_times:
+      return "times";
+    case MachFunc_div:
+      return "div";
+    case MachFunc_pow:
+      return "pow";
     default:
       return "?";
   }

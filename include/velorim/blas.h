@@ -11,7 +11,8 @@
  *  - Nothing returns a status. The routines of levels two and three test their arguments in order; the first illegal one goes to
  *    vlb_xerbla with the routine's name, and nothing is touched. Level one has no tests: a size below 1 has nothing to do.
  *  - Results do not depend on alignment, place or threads.
- *  - Threads: any, on distinct results. The matrix-matrix routines use the team (parallel.h) for large products. */
+ *  - Threads: any, on distinct results. The team (parallel.h) works on large products of the matrix-matrix routines, and on long vectors at
+ *    increment 1 for the index of the largest magnitude, sums of magnitudes and Euclidean norms. */
 #ifndef VELORIM_BLAS_H
 #define VELORIM_BLAS_H
 
@@ -53,7 +54,8 @@ void vlb_zdotc(mcomplex* result, const mint* n, const mcomplex* x, const mint* i
 void vlb_zdotu(mcomplex* result, const mint* n, const mcomplex* x, const mint* incx, const mcomplex* y,
                const mint* incy) VLM_NOEXCEPT;
 
-/** Euclidean norm by a running scale and the sum of squares over it: no overflow on the way. 0 for n or incx below 1. */
+/** Euclidean norm by a running scale and the sum of squares over it, in the order of the elements: no overflow on the way. 0 for n or incx
+ *  below 1. */
 float vlb_snrm2(const mint* n, const float* x, const mint* incx) VLM_NOEXCEPT;
 mreal vlb_dnrm2(const mint* n, const mreal* x, const mint* incx) VLM_NOEXCEPT;
 mreal vlb_dznrm2(const mint* n, const mcomplex* x, const mint* incx) VLM_NOEXCEPT;

@@ -16,6 +16,7 @@
 #include <velorim/machine_functions.h>
 #include <velorim/memory.h>
 #include <velorim/memory_check.h>
+#include <velorim/norms.h>
 #include <velorim/parallel.h>
 #include <velorim/parts.h>
 #include <velorim/runtime.h>

@@ -78,6 +78,12 @@ template <> struct lanes_of<real32_lanes> {
   static constexpr int count = register_bytes / 4;
 };
 
+template <> struct lanes_of<int64_lanes> {
+  using number = int64_t;
+  using mask = int64_lanes;
+  static constexpr int count = register_bytes / 8;
+};
+
 /// The register of a number type.
 template <class T>
 using register_of = std::conditional_t<std::is_same_v<T, double>, real64_lanes, real32_lanes>;
@@ -328,6 +334,33 @@ inline real64_lanes to_number(int64_lanes k) {
 #else
   constexpr double magic = 0x1.8p52;
   return from_bits<real64_lanes>((uint64_lanes)k + std::bit_cast<uint64_t>(magic)) - magic;
+#endif
+}
+
+/// The nearest numbers of any integers, and the integers of numbers without a fraction; those of numbers beyond their range mean nothing,
+/// and raise invalid.
+inline real64_lanes nearest_numbers(int64_lanes k) {
+#if defined(VELORIM_LANES_AVX512)
+  return (real64_lanes)_mm512_maskz_cvtepi64_pd(0xff, (__m512i)k);
+#elif defined(VELORIM_LANES_NEON)
+  return (real64_lanes)vcvtq_f64_s64((int64x2_t)k);
+#else
+  real64_lanes r;
+  for (int i = 0; i < lanes_of<real64_lanes>::count; ++i) r[i] = static_cast<double>(k[i]);
+  return r;
+#endif
+}
+inline int64_lanes whole_integers(real64_lanes x) {
+#if defined(VELORIM_LANES_AVX512)
+  return (int64_lanes)_mm512_maskz_cvttpd_epi64(0xff, (__m512d)x);
+#elif defined(VELORIM_LANES_NEON)
+  return (int64_lanes)vcvtq_s64_f64((float64x2_t)x);
+#else
+  int64_lanes r;
+  for (int i = 0; i < lanes_of<real64_lanes>::count; ++i) {
+    r[i] = _mm_cvttsd_si64(_mm_set_sd(x[i]));
+  }
+  return r;
 #endif
 }
 

@@ -110,6 +110,40 @@ for sentence in [
 ]:
     check(sentence in flat, sentence)
 
+# ---- The second part: formulas over several columns ----
+mean = [(a + b) / 2 for a, b in zip(low, high)]
+chill = [13.12 + 0.6215 * t - 11.37 * (3.6 * v) ** 0.16 + 0.3965 * t * (3.6 * v) ** 0.16 for t, v in zip(mean, wind)]
+coldest = min(range(len(DAYS)), key=chill.__getitem__)
+by_month = [[x for x, day in zip(high, DAYS) if int(day["date"][5:7]) == m] for m in range(1, 13)]
+frost = sum(x < 0 for x in low)
+for sentence in [
+    f"over all days min {min(chill):.2f}, mean {sum(chill) / len(chill):.2f}, max {max(chill):.2f} deg C",
+    f"felt coldest {DAYS[coldest]['date']}: {mean[coldest]:.2f} deg C in a wind of {wind[coldest]:.1f} m/s felt like "
+    f"{chill[coldest]:.2f}",
+    f"heating {sum(max(18 - t, 0) for t in mean):.1f} cooling {sum(max(t - 18, 0) for t in mean):.1f}",
+    "from sums of whole tenths 1 2 3 4 5 6 7 8 9 10 11 12 "
+    + " ".join(f"{sum(round(10 * x) for x in month) / (10 * len(month)):.2f}" for month in by_month),
+    "complex results allowed: outcome -7 the tensor turned complex: "
+    f"{frost} days below zero have an imaginary root, the other {len(DAYS) - frost} a real one",
+]:
+    check(sentence in flat, sentence)
+
+METHODS = ["Check", "Coerce", "Round", "Scale", "Cast"]
+verdicts = {}
+for name in [f"{clip}{base}" for base in METHODS for clip in ("", "ClipAnd")]:
+    row = next((r for r in rows if r.startswith(f"{name} ")), "")
+    cell = r"(0, done|1305, a value is refused) (-?\d+|-) (-?\d+|-)"
+    match = re.fullmatch(rf"{name} {cell} {cell}", row)
+    check(match, f"row of conversion {name}: {row!r}")
+    if match:
+        verdicts[name] = match.groups()
+# Whole degrees within the range are what rounding gives; tenths fit only where they are clipped.
+check(verdicts.get("Check", "?")[0].startswith("1305"), f"Check of degrees: {verdicts.get('Check')}")
+check(verdicts.get("Round", "???")[:3] == ("0, done", str(round(min(high))), str(round(max(high)))), f"{verdicts.get('Round')}")
+check(verdicts.get("Round", "????")[3].startswith("1305"), f"Round of tenths: {verdicts.get('Round')}")
+check(verdicts.get("ClipAndRound", "?" * 6)[3:] == ("0, done", str(round(10 * min(high))), "127"),
+      f"{verdicts.get('ClipAndRound')}")
+
 if "--repeat" in sys.argv[3:]:
     measured = run("--repeat", "1")
     table = re.findall(r"^(\w+) +\w+ +(\d+) +(\d+) +\d+\.\d\d$", measured.stdout, re.MULTILINE)

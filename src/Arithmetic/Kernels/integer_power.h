@@ -28,7 +28,7 @@ inline constexpr uint64_t first_exponent_without_complex_products = uint64_t{1} 
 /// x to the power e, e at least 1, by the first two roads of products; V is whatever `times` multiplies: a number, a register, a
 /// complex number.
 template <class V, class Product> inline V power_by_products(V x, uint64_t e, Product&& times) {
-  int bits = std::bit_width(e) - 1;  // those behind the highest
+  int bits = static_cast<int>(std::bit_width(e)) - 1;  // those behind the highest
   V power = x;
   if (e <= 8) {
     while (bits-- > 0) {

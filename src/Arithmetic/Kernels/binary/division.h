@@ -52,14 +52,47 @@ template <class T> inline bool fits_double(const T* x, mint n) {
   }
 }
 
-/// Whether the exact quotient lies below the one by truncation that left r over: r and y, neither 0, have different signs.
-template <class N> constexpr auto is_below_truncated(N remainder, N y) {
-  const N zero{};
+/// Whether x = q y + r, |r| < |y|, has r on the other side of 0 than y: then the floor of x / y is q - 1, and r + y remains.
+template <class N> constexpr auto is_above_floor(N remainder, N y) {
+  const N zero = {};
   return (remainder != zero) & ((remainder < zero) != (y < zero));
 }
 template <class N> constexpr N choose(bool condition, N a, N b) { return condition ? a : b; }
-inline real64_lanes choose(mask64_lanes condition, real64_lanes a, real64_lanes b) { return select(condition, a, b); }
-inline real32_lanes choose(mask32_lanes condition, real32_lanes a, real32_lanes b) { return select(condition, a, b); }
+inline real64_lanes choose(mask64_lanes condition, real64_lanes a, real64_lanes b) {
+  return select(condition, a, b);
+}
+inline real32_lanes choose(mask32_lanes condition, real32_lanes a, real32_lanes b) {
+  return select(condition, a, b);
+}
+
+inline int64_lanes choose(int64_lanes condition, int64_lanes a, int64_lanes b) { return condition ? a : b; }
+
+/// x = q y + r with |r| < |y|, r of either sign, for any x and y but 0. The estimate in double leaves a remainder near to |y| at most,
+/// whose own quotient mends it; products and differences wrap, and what they give fits.
+inline division<int64_lanes> wide_division(int64_lanes x, int64_lanes y) {
+  const real64_lanes divisor = nearest_numbers(y);
+  const auto multiple = [y](int64_lanes q) { return (int64_lanes)((uint64_lanes)q * (uint64_lanes)y); };
+  const auto minus = [](int64_lanes a, int64_lanes b) {
+    return (int64_lanes)((uint64_lanes)a - (uint64_lanes)b);
+  };
+  const int64_lanes estimate = whole_integers(nearest_numbers(x) / divisor);
+  const int64_lanes rest = minus(x, multiple(estimate));
+  const int64_lanes more = whole_integers(nearest_numbers(rest) / divisor);
+  return {(int64_lanes)((uint64_lanes)estimate + (uint64_lanes)more), minus(rest, multiple(more))};
+}
+template <class C> void wide_division_run(mint* result, const mint* x, const mint* y, mint n) {
+  constexpr mint width = lanes_of<int64_lanes>::count;
+  const fp::quiet_section quiet;
+  mint i = 0;
+  for (; i + width <= n; i += width) {
+    int64_lanes a, b;
+    std::memcpy(&a, x + i, sizeof a);
+    std::memcpy(&b, y + i, sizeof b);
+    const int64_lanes r = C::from(wide_division(a, b), b);
+    std::memcpy(result + i, &r, sizeof r);
+  }
+  for (; i < n; ++i) result[i] = C::value(x[i], y[i]);
+}
 
 /// The values of a run from C::from(truncating division, y). The integers of a block become reals where these hold them, are divided in
 /// registers, and become integers again.
@@ -72,7 +105,11 @@ template <class C, class T> void division_run(T* result, const T* x, const T* y,
     const mint length = std::min(block_length, n - first);
     T* r = result + first;
     if (!fits_double(x + first, length) || !fits_double(y + first, length)) {
-      for (mint i = 0; i < length; ++i) r[i] = C::value(x[first + i], y[first + i]);
+      if constexpr (std::is_same_v<T, mint>) {
+        wide_division_run<C>(r, x + first, y + first, length);
+      } else {
+        for (mint i = 0; i < length; ++i) r[i] = C::value(x[first + i], y[first + i]);
+      }
       continue;
     }
     for (mint i = 0; i < length; ++i) a[i] = small_to_real<real>(x[first + i]);
@@ -96,7 +133,7 @@ struct Mod {
   static constexpr mixed widens = mixed::all;
   struct on_integers : refuses_zero {
     template <class N> static constexpr N from(division<N> d, N y) {
-      return choose(is_below_truncated(d.remainder, y), static_cast<N>(d.remainder + y), d.remainder);
+      return choose(is_above_floor(d.remainder, y), static_cast<N>(d.remainder + y), d.remainder);
     }
     template <class T> static constexpr T value(T x, T y) { return from(truncating(x, y), y); }
     template <class T> static void run(T* result, const T* x, const T* y, mint n) {
@@ -106,7 +143,7 @@ struct Mod {
   struct on_reals : refuses_zero, unchecked {
     template <class T> static T value(T x, T y) {
       const T r = std::fmod(x, y);
-      if (!is_below_truncated(r, y)) return r;
+      if (!is_above_floor(r, y)) return r;
       const T moved = r + y;
       return moved == y ? T(0) : moved;
     }
@@ -139,7 +176,7 @@ struct Quotient {
       return y == 0 || is_least_over_minus_one(x, y);
     }
     template <class N> static constexpr N from(division<N> d, N y) {
-      return choose(is_below_truncated(d.remainder, y), static_cast<N>(d.quotient - 1), d.quotient);
+      return choose(is_above_floor(d.remainder, y), static_cast<N>(d.quotient - 1), d.quotient);
     }
     template <class T> static constexpr T value(T x, T y) { return from(truncating(x, y), y); }
     template <class T> static void run(T* result, const T* x, const T* y, mint n) {

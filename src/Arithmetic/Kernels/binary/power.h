@@ -88,26 +88,56 @@ template <class T> inline complex::parts<T> complex_integer_power(complex::parts
   return y < 0 ? complex::quotient(one, power) : power;
 }
 
-/// Lanes of reals to the power of lanes of mint with |y| up to 8: all powers are formed, each by the products of integer_power, and one
-/// of them taken.
-struct small_exponents {
+/// Reals to the power of integers in lanes: in each the products of integer_power in its order. Lanes whose exponent is 2^25 or more in
+/// magnitude mean nothing.
+struct lane_powers {
   static real64_lanes power(real64_lanes x, int64_lanes y) {
-    using V = real64_lanes;
     const int64_lanes sign = y >> 63, e = (y ^ sign) - sign;
+    const lane_set small = is(e <= 8);
     const V x2 = x * x, x3 = x2 * x, x4 = x2 * x2;
-    const std::pair<int, V> powers[] = {
-        {2, x2}, {3, x3}, {4, x4}, {5, x4 * x}, {6, x3 * x3}, {7, (x3 * x3) * x}, {8, x4 * x4}};
-    V r = select(is(e, 0), broadcast<V>(1), x);
-    for (const auto& [exponent, value] : powers) r = select(is(e, exponent), value, r);
-    const mask64_lanes inverts = std::bit_cast<mask64_lanes>(sign);
-    return set_lanes(inverts) == 0 ? r : select(inverts, broadcast<V>(1) / r, r);
+    V r = x;
+    if (small != every_lane<V>) r = by_windows(x, x2, x3, x4, e);
+    if (small != 0) r = select(e <= 8, by_small(x, x2, x3, x4, e), r);
+    return is(sign) == 0 ? r : select(sign, broadcast<V>(1) / r, r);
   }
   static lane_set holds(int64_lanes y) {
-    return set_lanes(std::bit_cast<mask64_lanes>((y >= -8) & (y <= 8)));
+    constexpr int64_t first_without = first_exponent_without_products;
+    return is((y > -first_without) & (y < first_without));
   }
 
  private:
-  static mask64_lanes is(int64_lanes e, int64_t value) { return std::bit_cast<mask64_lanes>(e == value); }
+  using V = real64_lanes;
+  static lane_set is(int64_lanes mask) { return set_lanes(std::bit_cast<mask64_lanes>(mask)); }
+  static V select(int64_lanes mask, V a, V b) { return vlm::select(std::bit_cast<mask64_lanes>(mask), a, b); }
+
+  static V by_small(V x, V x2, V x3, V x4, int64_lanes e) {
+    const std::pair<int, V> powers[] = {
+        {2, x2}, {3, x3}, {4, x4}, {5, x4 * x}, {6, x3 * x3}, {7, (x3 * x3) * x}, {8, x4 * x4}};
+    V r = select(e == 0, broadcast<V>(1), x);
+    for (const auto& [exponent, value] : powers) r = select(e == exponent, value, r);
+    return r;
+  }
+
+  /// Two bits of every exponent at a time, each lane from its own highest bit down.
+  static V by_windows(V x, V x2, V x3, V x4, int64_lanes e) {
+    const auto factor = [&](int64_lanes two_bits) {
+      const V odd = select((two_bits & 2) != 0, x3, x),
+              even = select((two_bits & 2) != 0, x2, broadcast<V>(1));
+      return select((two_bits & 1) != 0, odd, even);
+    };
+    const auto exponent_of_e = std::bit_cast<int64_lanes>(to_number(e)) >> 52;
+    int64_lanes rest = exponent_of_e - (1023 + 2);  // bits that are still to come
+    rest = rest < 0 ? int64_lanes{} : rest;
+    V r = x4 * factor((e >> rest) & 3);
+    for (int64_lanes goes_on = rest >= 2; is(goes_on) != 0; goes_on = rest >= 2) {
+      const int64_lanes next = goes_on ? rest - 2 : rest;
+      const V square = r * r;
+      r = select(goes_on, (square * square) * factor((e >> next) & 3), r);
+      rest = next;
+    }
+    const V last = (r * r) * select((e & 1) != 0, x, broadcast<V>(1));
+    return select(rest == 1, last, r);
+  }
 };
 
 /// x^y. Real and complex: undefined for 0^0. An integer exponent goes by products.
@@ -135,10 +165,10 @@ struct Pow {
     template <class X> static constexpr bool serves = !is_integer_element<X>;
     template <std::floating_point T> static bool undefined(T x, mint y) { return x == 0 && y == 0; }
     template <std::floating_point T> static T value(T x, mint y) { return integer_power(x, y); }
-    static real64_lanes body(real64_lanes x, int64_lanes y) { return small_exponents::power(x, y); }
+    static real64_lanes body(real64_lanes x, int64_lanes y) { return lane_powers::power(x, y); }
     static lane_set settled(real64_lanes x, int64_lanes y, real64_lanes r) {
       constexpr double least = std::numeric_limits<double>::min(), most = std::numeric_limits<double>::max();
-      return small_exponents::holds(y) &
+      return lane_powers::holds(y) &
              lanes_between(magnitude(x), broadcast<real64_lanes>(least), broadcast<real64_lanes>(most)) &
              lanes_between(magnitude(r), broadcast<real64_lanes>(least), broadcast<real64_lanes>(most));
     }

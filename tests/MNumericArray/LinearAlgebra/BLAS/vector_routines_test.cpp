@@ -1,7 +1,8 @@
-// Faults it is meant to catch: increments from the wrong end; sums in another order than the reference's, seen in their bits; ties of
-// the largest magnitude; scales that overflow; illegal arguments reported with the wrong number or tag, or followed by a write.
+// Faults it is meant to catch: increments from the wrong end; sums in another order than the reference's, seen in their bits; ties
+// of the largest magnitude; scales that overflow; illegal arguments reported with the wrong number or tag, or followed by a write.
 #include <gtest/gtest.h>
 
+#include <cfenv>
 #include <cmath>
 #include <limits>
 #include <random>
@@ -9,6 +10,7 @@
 #include <vector>
 
 #include "velorim/blas.h"
+#include "velorim/parallel.h"
 
 namespace {
 
@@ -79,6 +81,115 @@ TEST(VectorRoutines, TheFirstOfTheLargest) {
   EXPECT_EQ(vlb_idamax(&n, with_nan, &one), 3);
   EXPECT_EQ(vlb_idamax(&zero, x, &one), 0);
   EXPECT_EQ(vlb_idamax(&n, x, &minus), 0);
+}
+
+/// The routines as loops that take one element after the other. The sums are volatile, so that they stay in their rounding mode.
+template <class T> T in_turn_sum(const std::vector<T>& x) {
+  volatile T sum = 0;
+  for (const T v : x) sum = sum + std::abs(v);
+  return sum;
+}
+template <class T> T in_turn_norm(const std::vector<T>& x) {
+  volatile T scale = 0, sum = 1;
+  for (const T v : x) {
+    volatile const T magnitude =
+        std::abs(v);  // or the compiler divides by v of either sign, which a square does not show
+    const T a = magnitude, before = scale;
+    if (a == 0) continue;
+    if (before < a) {
+      sum = 1 + sum * ((before / a) * (before / a));
+      scale = a;
+    } else {
+      sum = sum + (a / before) * (a / before);
+    }
+  }
+  volatile const T norm = scale * std::sqrt(sum);
+  return norm;
+}
+template <class T> mint in_turn_largest(const std::vector<T>& x) {
+  size_t first = 0;
+  for (size_t i = 1; i < x.size(); ++i) {
+    if (std::abs(x[i]) > std::abs(x[first])) first = i;
+  }
+  return static_cast<mint>(first) + 1;
+}
+
+struct routines {
+  static double sum(mint n, const double* x) { return vlb_dasum(&n, x, &one); }
+  static double norm(mint n, const double* x) { return vlb_dnrm2(&n, x, &one); }
+  static mint largest(mint n, const double* x) { return vlb_idamax(&n, x, &one); }
+  static float sum(mint n, const float* x) { return vlb_sasum(&n, x, &one); }
+  static float norm(mint n, const float* x) { return vlb_snrm2(&n, x, &one); }
+  static mint largest(mint n, const float* x) { return vlb_isamax(&n, x, &one); }
+};
+
+template <class T> bool same(T x, T y) { return x == y || (std::isnan(x) && std::isnan(y)); }
+
+/// Numbers of a kind: with many middles between neighbouring sums, a growing scale, sums at the ends of the range, ...
+template <class T> std::vector<T> numbers_of_kind(int kind, size_t n) {
+  std::mt19937_64 engine(static_cast<uint64_t>(kind));
+  std::uniform_real_distribution<T> uniform(-1, 1);
+  std::vector<T> x(n);
+  for (size_t i = 0; i < n; ++i) {
+    const T u = uniform(engine);
+    const T powers[] = {
+        u,
+        static_cast<T>(i) / 1000,
+        static_cast<T>(static_cast<int>(engine() % 1000)),
+        std::ldexp(static_cast<T>(static_cast<int>(engine() % 8)), -static_cast<int>(engine() % 60)),
+        u * std::exp(40 * u),
+        u * std::numeric_limits<T>::min() * 4,
+        u * std::numeric_limits<T>::max() / 2,
+        1 / static_cast<T>(i + 1),
+        engine() % 7 == 0 ? u : T(0),
+        i + 1 == n ? std::numeric_limits<T>::infinity() : u,
+        i == n / 2 ? std::numeric_limits<T>::quiet_NaN() : u};
+    x[i] = powers[kind];
+  }
+  return x;
+}
+
+template <class T> class LongVectors : public testing::Test {};
+using real_types = testing::Types<double, float>;
+TYPED_TEST_SUITE(LongVectors, real_types);
+
+TYPED_TEST(LongVectors, GiveTheBitsOfOneElementAfterTheOtherOnAnyThreads) {
+  using T = TypeParam;
+  const int mode_before = std::fegetround();
+  for (int kind = 0; kind <= 10; ++kind) {
+    for (const size_t n : {63, 1024, 1089, 100001}) {
+      const std::vector<T> x = numbers_of_kind<T>(kind, n);
+      for (const int mode : {FE_TONEAREST, FE_UPWARD}) {
+        std::fesetround(mode);
+        const T sum = in_turn_sum(x), norm = in_turn_norm(x);
+        for (const mint threads : {1, 2, 5}) {
+          const mint before = setParallelThreadNumber(threads);
+          const mint count = static_cast<mint>(n);
+          EXPECT_TRUE(same(routines::sum(count, x.data()), sum))
+              << kind << ' ' << n << ' ' << mode << ' ' << threads;
+          EXPECT_TRUE(same(routines::norm(count, x.data()), norm))
+              << kind << ' ' << n << ' ' << mode << ' ' << threads;
+          EXPECT_EQ(routines::largest(count, x.data()), in_turn_largest(x))
+              << kind << ' ' << n << ' ' << threads;
+          restoreParallelThreadNumber(before);
+        }
+        std::fesetround(mode_before);
+      }
+    }
+  }
+}
+
+TEST(LongVectors, RaiseNoFlagOfTheirOwn) {
+  std::vector<double> x(5000, 1.0);
+  x[4000] = std::numeric_limits<double>::infinity();
+  const mint n = 5000;
+  std::feclearexcept(FE_ALL_EXCEPT);
+  EXPECT_EQ(vlb_dasum(&n, x.data(), &one), x[4000]);
+  EXPECT_EQ(vlb_dnrm2(&n, x.data(), &one), x[4000]);
+  EXPECT_FALSE(std::fetestexcept(FE_INVALID | FE_OVERFLOW | FE_DIVBYZERO));
+  x[4000] = std::numeric_limits<double>::quiet_NaN();
+  EXPECT_TRUE(std::isnan(vlb_dasum(&n, x.data(), &one)));
+  EXPECT_FALSE(std::fetestexcept(FE_INVALID | FE_OVERFLOW | FE_DIVBYZERO));
 }
 
 TEST(MatrixVector, SkippedColumnsLeaveNoMark) {

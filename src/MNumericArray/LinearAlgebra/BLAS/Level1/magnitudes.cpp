@@ -1,87 +1,91 @@
 // Sums and maxima of magnitudes, and the Euclidean norm. The order of the sums is that of the reference.
-#include <algorithm>
+#include <cfenv>
 #include <cmath>
 
-#include "MNumericArray/LinearAlgebra/BLAS/calling_form.h"
+#include "MNumericArray/LinearAlgebra/BLAS/Level1/largest_magnitude.h"
+#include "MNumericArray/LinearAlgebra/BLAS/Level1/ordered_sum.h"
+#include "MNumericArray/LinearAlgebra/BLAS/Level1/scaled_sum.h"
+#include "velorim/blas.h"
 
 namespace {
 
+using namespace vlm::blas;
+
+/// Terms that are the magnitudes themselves.
+struct plain_terms {
+  template <class T> void add(T v, T& sum) { sum += v; }
+  template <class T> T largest(T c) const { return c; }
+  static auto rule() {
+    return [](auto v) { return v; };
+  }
+  bool operator==(const plain_terms&) const = default;
+};
+
 /// Groups of 6 that are added from left to right to the sum, behind the first n mod 6, are the magnitudes in order.
 template <class T> T sum_of_magnitudes(mint n, const T* x, mint incx) {
-  T sum = 0;
-  if (n < 1 || incx < 1) return sum;
-  for (mint i = 0; i < n; ++i) sum += std::abs(x[i * incx]);
-  return sum;
-}
-
-template <class T> mint index_of_largest(mint n, const T* x, mint incx) {
   if (n < 1 || incx < 1) return 0;
-  mint index = 0;
-  T largest = std::abs(x[0]);
-  for (mint i = 1; i < n; ++i) {
-    const T magnitude = std::abs(x[i * incx]);
-    // No NaN exceeds anything, and nothing exceeds a NaN in the first place.
-    if (!(magnitude > largest)) continue;
-    largest = magnitude;
-    index = i;
-  }
-  return index + 1;
+  ordered_sum<T, plain_terms> sum({}, 0);
+  sum.add(x, n, incx);
+  return sum.sum();
 }
 
-/// The running scale and the sum of squares over it.
-template <class T> class scaled_squares {
+/// Quotients by one divisor, correctly rounded, in less time than a division. With the rounded reciprocal r of d, q = x r is off
+/// by an ulp or so, x - q d is exact, and q + r (x - q d) rounds as x / d does (Markstein, IBM J. Res. Dev. 34, 1990), if all of
+/// it is in the ordinary range and rounds to nearest. Where x is so far below d (2^-60, Real32 2^-30) that the difference may be
+/// subnormal, the quotient is only known to be as small.
+template <class T> class division_by {
  public:
-  void add(T x) {
-    if (x == 0) return;
-    const T magnitude = std::abs(x);
-    if (scale_ < magnitude) {
-      const T ratio = scale_ / magnitude;
-      sum_ = 1 + sum_ * (ratio * ratio);
-      scale_ = magnitude;
-    } else {
-      const T ratio = magnitude / scale_;
-      sum_ += ratio * ratio;
-    }
+  explicit division_by(T divisor) : divisor_(divisor), reciprocal_(1 / divisor) {
+    constexpr bool wide = sizeof(T) == 8;
+#if defined(VELORIM_LANES_SSE)
+    constexpr bool fused_is_fast = false;
+#else
+    constexpr bool fused_is_fast = true;
+#endif
+    by_reciprocal_ = fused_is_fast && divisor >= (wide ? T(0x1p-800) : T(0x1p-40f)) &&
+                     divisor <= (wide ? T(0x1p800) : T(0x1p100f)) && std::fegetround() == FE_TONEAREST;
   }
-  /// The same for a block whose entries are all below the scale and not zero: the quotients side by side, the sum in order.
-  template <int N> bool add_block(const T* x) {
-    int plain = 1;
-    for (int i = 0; i < N; ++i) {
-      const T magnitude = std::abs(x[i]);
-      plain &= (magnitude > 0) & (magnitude <= scale_);
-    }
-    if (plain == 0) return false;
-    T squares[N];
-    for (int i = 0; i < N; ++i) {
-      const T ratio = std::abs(x[i]) / scale_;
-      squares[i] = ratio * ratio;
-    }
-    for (int i = 0; i < N; ++i) sum_ += squares[i];
-    return true;
+  template <class V> V operator()(V x) const {
+    const V d = vlm::broadcast<V>(divisor_);
+    if (!by_reciprocal_) return x / d;
+    const V r = vlm::broadcast<V>(reciprocal_);
+    const V q = x * r;
+    return vlm::fused(vlm::fused(-q, d, x), r, q);
   }
-  T norm() const { return scale_ * std::sqrt(sum_); }
 
  private:
-  T scale_ = 0;
-  T sum_ = 1;
+  T divisor_, reciprocal_;
+  bool by_reciprocal_;
 };
+
+/// Terms that are squares over the square of the running scale. Those of quotients that are only known to be small add nothing to a
+/// sum of 1 or more.
+template <class T> struct square_terms {
+  T scale = 0;
+  void add(T v, T& sum) {
+    scaled_sum<T> both{scale, sum};
+    both.add(v, squared{});
+    scale = both.scale;
+    sum = both.sum;
+  }
+  T largest(T) const { return scale; }
+  auto rule() const {
+    return [over_scale = division_by<T>(scale)](auto v) { return squared{}(over_scale(v)); };
+  }
+  bool operator==(const square_terms&) const = default;
+};
+
+/// Of n numbers, which may be the parts of complex ones.
+template <class T> T root_of_squares(mint n, const T* x, mint stride) {
+  ordered_sum<T, square_terms<T>> squares({}, 1);
+  squares.add(x, n, stride);
+  return squares.terms().scale * std::sqrt(squares.sum());
+}
 
 template <class T> T norm(mint n, const T* x, mint incx) {
   if (n < 1 || incx < 1) return 0;
   if (n == 1) return std::abs(x[0]);
-  constexpr int block = 64;
-  scaled_squares<T> squares;
-  mint i = 0;
-  while (i < n) {
-    if (incx == 1 && n - i >= block && squares.template add_block<block>(x + i)) {
-      i += block;
-      continue;
-    }
-    // One entry that was above the scale or 0 costs a block of single steps.
-    const mint last = std::min<mint>(n, i + block);
-    for (; i < last; ++i) squares.add(x[i * incx]);
-  }
-  return squares.norm();
+  return root_of_squares(n, x, incx);
 }
 
 }  // namespace
@@ -102,11 +106,13 @@ float vlb_snrm2(const mint* n, const float* x, const mint* incx) VLM_NOEXCEPT { 
 mreal vlb_dnrm2(const mint* n, const mreal* x, const mint* incx) VLM_NOEXCEPT { return norm(*n, x, *incx); }
 
 mreal vlb_dznrm2(const mint* n, const mcomplex* x, const mint* incx) VLM_NOEXCEPT {
-  scaled_squares<mreal> squares;
   if (*n < 1 || *incx < 1) return 0;
+  const mreal* const parts = &x->re;
+  if (*incx == 1) return root_of_squares(2 * *n, parts, 1);
+  scaled_sum<mreal> squares;
   for (mint i = 0; i < *n; ++i) {
-    squares.add(x[i * *incx].re);
-    squares.add(x[i * *incx].im);
+    squares.add(std::abs(x[i * *incx].re), squared{});
+    squares.add(std::abs(x[i * *incx].im), squared{});
   }
-  return squares.norm();
+  return squares.scale * std::sqrt(squares.sum);
 }
