@@ -1,7 +1,8 @@
 """Sets the machine functions of two arguments beside NumPy: both in this process, on the same arrays, timed by the same clock.
 
 A row is a call of the library's vector kernel through ctypes and the ufunc that does the same work, each with an output given
-beforehand, the library with its checks on and on one thread. Rounds measure every row on both sides in turn; the fastest call counts.
+beforehand, the library with its checks on and on one thread. The rows of blocks are calls of TensorPlus on a tensor of rank 2 and one
+of rank 1. Rounds measure every row on both sides in turn; the fastest call counts.
 """
 import argparse
 import ctypes
@@ -14,6 +15,14 @@ LENGTH = 100_000
 TYPES = {"Integer64": (7, np.int64), "Real64": (10, np.float64), "ComplexReal64": (12, np.complex128)}
 NUMBERS = {"plus": 257, "subtract": 258, "times": 259, "div": 260, "mod": 261, "quotient": 262, "pow": 263, "atan2": 265, "gcd": 281}
 CHECK_ALL = 6
+
+
+class Record(ctypes.Structure):
+    """The array record of the library."""
+
+    _fields_ = [("precision", ctypes.c_double), ("dims", ctypes.c_void_p), ("rank", ctypes.c_int64), ("tensor_type", ctypes.c_uint32),
+                ("flags", ctypes.c_uint32), ("element_type", ctypes.c_uint32), ("length", ctypes.c_int64),
+                ("data", ctypes.POINTER(ctypes.c_double))]
 
 
 class Library:
@@ -32,6 +41,13 @@ class Library:
 
     def kernel(self, name, x_type, y_type):
         return self.KERNEL(self.getter(NUMBERS[name], TYPES[x_type][0], TYPES[y_type][0]))
+
+    def tensor(self, array):
+        """A tensor of reals with the elements of an array."""
+        make = self.handle.MTensor_newCopyFromDataArray
+        make.restype = ctypes.c_void_p
+        dims = (ctypes.c_int64 * array.ndim)(*array.shape)
+        return ctypes.c_void_p(make(3, ctypes.c_int64(array.ndim), dims, ctypes.c_void_p(array.ctypes.data)))
 
 
 def operands(rng, kind, low, high):
@@ -75,25 +91,46 @@ def best(call, seconds=0.03):
 
 
 class Row:
-    def __init__(self, library, spec, rng):
-        name, x_type, y_type, x_range, y_range, ufunc, result, self.bar = spec
-        self.label = f"{name} {x_type} {y_type} [{x_range[0]:g}, {x_range[1]:g}) [{y_range[0]:g}, {y_range[1]:g})"
-        x, y = operands(rng, x_type, *x_range), operands(rng, y_type, *y_range)
-        ours, theirs = np.empty(LENGTH, TYPES[result][1]), np.empty(LENGTH, TYPES[result][1])
-        kernel = library.kernel(name, x_type, y_type)
-        arguments = (ours.ctypes.data, x.ctypes.data, y.ctypes.data, LENGTH, library.unit, CHECK_ALL)
-        self.keeps_alive = ours  # the kernel knows its address only
-        self.library = lambda: kernel(*arguments)
-        self.peer = lambda: ufunc(x, y, out=theirs)
-        failed = self.library()
-        self.peer()
-        if failed or not np.allclose(ours, theirs, rtol=1e-13):
-            raise SystemExit(f"{self.label}: the sides disagree ({failed})")
+    """The same work on both sides, each a call without arguments."""
+
+    def __init__(self, label, bar, library, peer):
+        self.label, self.bar, self.library, self.peer = label, bar, library, peer
         self.best_library = self.best_peer = float("inf")
 
     def measure(self):
         self.best_library = min(self.best_library, best(self.library))
         self.best_peer = min(self.best_peer, best(self.peer))
+
+
+def kernel_row(library, spec, rng):
+    name, x_type, y_type, x_range, y_range, ufunc, result, bar = spec
+    label = f"{name} {x_type} {y_type} [{x_range[0]:g}, {x_range[1]:g}) [{y_range[0]:g}, {y_range[1]:g})"
+    x, y = operands(rng, x_type, *x_range), operands(rng, y_type, *y_range)
+    ours, theirs = np.empty(LENGTH, TYPES[result][1]), np.empty(LENGTH, TYPES[result][1])
+    kernel = library.kernel(name, x_type, y_type)
+    arguments = (ours.ctypes.data, x.ctypes.data, y.ctypes.data, LENGTH, library.unit, CHECK_ALL)
+    row = Row(label, bar, lambda: kernel(*arguments), lambda: ufunc(x, y, out=theirs))
+    row.keeps_alive = ours  # the kernel knows its address only
+    failed = row.library()
+    row.peer()
+    if failed or not np.allclose(ours, theirs, rtol=1e-13):
+        raise SystemExit(f"{label}: the sides disagree ({failed})")
+    return row
+
+
+def block_row(library, block, rng):
+    """A tensor of rank 2 and one of rank 1, each element of which meets a block."""
+    x, y = rng.uniform(-10, 10, (LENGTH // block, block)), rng.uniform(-10, 10, LENGTH // block)
+    arguments = (library.tensor(x), library.tensor(y), library.tensor(np.zeros_like(x)), CHECK_ALL)
+    column, theirs = y[:, np.newaxis], np.empty_like(x)
+    row = Row(f"plus of rank 2 and rank 1, blocks of {block}", 1.0, lambda: library.handle.TensorPlus(*arguments),
+              lambda: np.add(x, column, out=theirs))
+    succeeded = row.library()
+    row.peer()
+    elements = Record.from_address(arguments[2].value).data
+    if not (succeeded and np.array_equal(np.ctypeslib.as_array(elements, (theirs.size,)), theirs.ravel())):
+        raise SystemExit(f"{row.label}: the sides disagree")
+    return row
 
 
 def main():
@@ -103,7 +140,7 @@ def main():
     parser.add_argument("--only", default="", help="rows whose label contains this")
     options = parser.parse_args()
     library, rng = Library(options.library), np.random.default_rng(20120101)
-    rows = [Row(library, spec, rng) for spec in ROWS]
+    rows = [kernel_row(library, spec, rng) for spec in ROWS] + [block_row(library, block, rng) for block in (4, 64, 4096)]
     rows = [row for row in rows if options.only in row.label]
     for _ in range(options.rounds):
         for row in rows:

@@ -1,6 +1,7 @@
 #include "Arithmetic/FrontEnds/shape_rule.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace vlm::front_end {
@@ -16,16 +17,27 @@ struct sixteen_bytes {
 /// Each element is stored a register at a time, beyond the end of its block, where the next one comes over it.
 template <class Cell>
 void repeat_cells(unsigned char* to, const unsigned char* from, mint first, mint length, mint block) {
-  constexpr mint at_once = mint{repeat_overrun} / mint{sizeof(Cell)};
-  const unsigned char* cells = from + first / block * mint{sizeof(Cell)};
+  constexpr mint bytes = sizeof(Cell), at_once = mint{repeat_overrun} / bytes;
+  const auto copies_of = [](const unsigned char* at) {
+    Cell cell;
+    std::memcpy(&cell, at, sizeof cell);
+    std::array<Cell, at_once> copies;
+    copies.fill(cell);
+    return copies;
+  };
+  const unsigned char* cells = from + first / block * bytes;
   mint left = block - first % block;
-  for (mint i = 0; i < length; left = block) {
-    Cell cell, copies[at_once];
-    std::memcpy(&cell, cells, sizeof cell);
-    cells += sizeof cell;
-    std::fill_n(copies, at_once, cell);
+  if (left == block && block <= at_once) {
+    for (mint i = 0; i < length; i += block, cells += bytes) {
+      const auto copies = copies_of(cells);
+      std::memcpy(to + i * bytes, &copies, sizeof copies);
+    }
+    return;
+  }
+  for (mint i = 0; i < length; left = block, cells += bytes) {
+    const auto copies = copies_of(cells);
     const mint end = std::min(i + left, length);
-    for (; i < end; i += at_once) std::memcpy(to + i * mint{sizeof cell}, copies, sizeof copies);
+    for (; i < end; i += at_once) std::memcpy(to + i * bytes, &copies, sizeof copies);
     i = end;
   }
 }
