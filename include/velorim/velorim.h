@@ -7,6 +7,7 @@
 #include <velorim/base.h>
 #include <velorim/blas.h>
 #include <velorim/containers.h>
+#include <velorim/conversion.h>
 #include <velorim/errors.h>
 #include <velorim/floating_point.h>
 #include <velorim/hash.h>
