@@ -29,9 +29,10 @@ template <class Rule, class S> bool any_refused(const Rule& rule, const S* sourc
   using mark = std::conditional_t<
       sizeof(S) == 1, uint8_t,
       std::conditional_t<sizeof(S) == 2, uint16_t, std::conditional_t<sizeof(S) == 4, uint32_t, uint64_t>>>;
-  mark refused = 0;
-  for (mint i = 0; i < n; ++i) refused |= rule.accepts(source[i]) ? mark{0} : mark{1};
-  return refused != 0;
+  constexpr mark yes = static_cast<mark>(~mark{0});
+  mark accepted = yes;
+  for (mint i = 0; i < n; ++i) accepted &= rule.accepts(source[i]) ? yes : mark{0};
+  return accepted != yes;
 }
 
 template <class Rule, class S, class T>

@@ -60,16 +60,20 @@ template <class S, class T, template <class, class, class> class Form> struct ru
   }
 
   template <bool Clip> static element_run* real_to_integer_(const convert_data& r) {
-    const bool cut = beyond_tolerance<from>(r);
+    const tolerance_test<from> test(r.tolerance);
+    const bool cut = test.signs_alone();
     switch (r.method) {
       case MNumericArrayConvertCast:
         return run_elements<refusal<S, T>, S, T>;
       case MNumericArrayConvertScale:
         return cut ? run<unit_to_integer<from, to, false, Clip>> : run<unit_to_integer<from, to, true, Clip>>;
+      case MNumericArrayConvertRound:
+        return cut ? run<real_to_integer<from, to, fraction::cut, Clip>>
+                   : run<real_to_integer<from, to, fraction::rounded, Clip>>;
       default:
         if (cut) return run<real_to_integer<from, to, fraction::cut, Clip>>;
-        return r.method == MNumericArrayConvertRound ? run<real_to_integer<from, to, fraction::rounded, Clip>>
-                                                     : run<real_to_integer<from, to, fraction::tested, Clip>>;
+        return test.exact() ? run<real_to_integer<from, to, fraction::refused, Clip>>
+                            : run<real_to_integer<from, to, fraction::tested, Clip>>;
     }
   }
 

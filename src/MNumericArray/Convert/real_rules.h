@@ -11,9 +11,10 @@
 
 namespace vlm::conversion {
 
-/// Significand bits as the record's tolerance sees them: from there on no tolerance test applies.
-template <class R> inline bool beyond_tolerance(const convert_data& r) {
-  return r.tolerance >= element_of<R>::digits;
+/// x brought between two limits; a NaN stays one. In two steps, which compilers turn into register code.
+template <class N> inline N clamped(N x, N least, N most) {
+  const N raised = x < least ? least : x;
+  return raised > most ? most : raised;
 }
 
 /// r truncated to T. A NaN gives 0. Without Clip, r is in range or a NaN; with it, numbers out of range give the limits of T. The
@@ -27,9 +28,8 @@ template <class T, class R, bool Clip> inline T truncated(number_t<R> r) {
   if constexpr (!Clip) {
     return static_cast<T>(static_cast<wide>(r == r ? r : number(0)));
   } else if constexpr (range::all_exact) {
-    const number low = r < range::least ? range::least : r;
-    const number both = low > range::most ? range::most : low;
-    return static_cast<T>(static_cast<wide>(both == both ? both : number(0)));
+    const number inside = clamped(r, range::least, range::most);
+    return static_cast<T>(static_cast<wide>(inside == inside ? inside : number(0)));
   } else {
     const bool above = r > range::most, below = r < range::least;
     const T inside = static_cast<T>(static_cast<wide>((r == r) & !above & !below ? r : number(0)));
@@ -39,11 +39,11 @@ template <class T, class R, bool Clip> inline T truncated(number_t<R> r) {
 
 template <class T, class R> inline bool in_range(number_t<R> r) {
   using range = integers_among<T, R>;
-  return !((r < range::least) | (r > range::most));  // a NaN is
+  return !(r < range::least) & !(r > range::most);  // a NaN is
 }
 
-/// What happens to the fraction: lost, rounded, or rounded where the tolerance test admits it.
-enum class fraction { cut, rounded, tested };
+/// What happens to the fraction: lost, rounded, refused, or rounded where the tolerance test admits it.
+enum class fraction { cut, rounded, refused, tested };
 
 /// Real to integer, value kept.
 template <class R, class T, fraction Fraction, bool Clip> struct real_to_integer {
@@ -52,13 +52,19 @@ template <class R, class T, fraction Fraction, bool Clip> struct real_to_integer
     explicit no_test(double) {}
   };
   using test = std::conditional_t<Fraction == fraction::tested, tolerance_test<R>, no_test>;
-  static constexpr bool never_refuses = Clip && Fraction != fraction::tested;
+  static constexpr bool never_refuses = Clip && (Fraction == fraction::cut || Fraction == fraction::rounded);
+
+  static constexpr number all_whole = power_of_two<number>(element_of<R>::digits);
 
   explicit real_to_integer(const convert_data& r) : test_(r.tolerance) {}
   static number whole(number x) { return Fraction == fraction::cut ? x : std::rint(x); }
   bool accepts(R source) const {
-    const number x = as_number(source), r = whole(x);
+    number x = as_number(source);
+    // From 2^D on all numbers are whole; an infinity passes the test as one of them, and is left to the range.
+    if constexpr (Fraction == fraction::tested && Clip) x = clamped(x, -all_whole, all_whole);
+    const number r = whole(x);
     bool accepted = true;
+    if constexpr (Fraction == fraction::refused) accepted = x == r;
     if constexpr (Fraction == fraction::tested) accepted = test_.equal_to_rounded(x, r);
     if constexpr (!Clip) accepted &= in_range<T, R>(r);
     return accepted;
@@ -83,11 +89,11 @@ template <class R, class T, bool Rounded, bool Clip> struct unit_to_integer {
   static number whole(number y) { return Rounded ? std::rint(y) : y; }
   static bool accepts(R source) {
     const number x = as_number(source);
-    return !((x < least) | (x > 1)) & in_range<T, R>(whole(nearest_number<R>(x * factor(x))));
+    return !(x < least) & !(x > 1) & in_range<T, R>(whole(nearest_number<R>(x * factor(x))));
   }
   static T value(R source) {
     number x = as_number(source);
-    if constexpr (Clip) x = x < least ? least : x > 1 ? number(1) : x;
+    if constexpr (Clip) x = clamped(x, least, number(1));
     const number y = as_number(to_element<R>(x * factor(x)));
     return truncated<T, R, Clip>(whole(y));
   }
@@ -131,11 +137,8 @@ template <class S, class T, narrowing How, bool Clip> struct real_narrowed {
   using test = std::conditional_t<How == narrowing::tested, tolerance_test<S>, no_test>;
 
   explicit real_narrowed(const convert_data& r) : test_(r.tolerance) {}
-  static bool finite(number x) { return !((x < -most) | (x > most)); }  // or a NaN
-  static number clipped(number x) {
-    if constexpr (!Clip) return x;
-    return x < -most ? -most : x > most ? most : x;
-  }
+  static bool finite(number x) { return !(x < -most) & !(x > most); }  // or a NaN
+  static number clipped(number x) { return Clip ? clamped(x, -most, most) : x; }
   bool accepts(S source) const {
     const number x = as_number(source);
     const bool finite_or_clipped = Clip ? true : finite(x);

@@ -12,6 +12,7 @@
 
 #include <bit>
 #include <cmath>
+#include <limits>
 #include <type_traits>
 
 #include "Includes/element_types.h"
@@ -58,16 +59,18 @@ template <class R> class tolerance_test {
     return kind_ == kind::scaled && within_factor(x, y) ? 0 : x > y ? 1 : -1;
   }
 
-  /// equal(x, r) where r is x rounded to an integer, as a loop over many x wants it: without branches. A rounded number that is
-  /// not 0 has the sign of x and a size of at least 1, so that only that side of the inequality counts; and if it is 0, the
-  /// difference is |x| itself, which no factor below 1 exceeds.
+  /// equal(x, r) for finite x, where r is x rounded to an integer and the tolerance lies between 0 and D, as a loop over many x wants
+  /// it: without branches, one comparison. A rounded number that is not 0 has the sign of x and a size of at least 1, so that only
+  /// that side of the inequality counts; if it is 0, the difference is |x| itself, which the product never exceeds; and the least
+  /// number above 0 lets equal numbers through.
   bool equal_to_rounded(number x, number r) const noexcept {
     if constexpr (std::is_same_v<R, real16>) {
       return equal(x, r);
     } else {
       const number size = std::fabs(x) > std::fabs(r) ? std::fabs(x) : std::fabs(r);
-      const bool near = (size * factor_ > std::fabs(x - r)) & (kind_ == kind::scaled);
-      return (x == r) | near | ((r != 0) & (kind_ == kind::same_sign));
+      const number product = size * factor_;
+      constexpr number least = std::numeric_limits<number>::denorm_min();
+      return (product > least ? product : least) > std::fabs(x - r);
     }
   }
 
@@ -79,6 +82,8 @@ template <class R> class tolerance_test {
 
   /// Whether the tolerance asks for equality.
   bool exact() const noexcept { return kind_ == kind::exact; }
+  /// Whether the tolerance is D or more: nothing but signs is asked for.
+  bool signs_alone() const noexcept { return kind_ == kind::same_sign; }
 
  private:
   enum class kind { exact, scaled, same_sign };
