@@ -32,7 +32,7 @@ template <class T, class R, bool Clip> inline T truncated(number_t<R> r) {
     return static_cast<T>(static_cast<wide>(inside == inside ? inside : number(0)));
   } else {
     const bool above = r > range::most, below = r < range::least;
-    const T inside = static_cast<T>(static_cast<wide>((r == r) & !above & !below ? r : number(0)));
+    const T inside = static_cast<T>(static_cast<wide>(((r == r) & !above & !below) ? r : number(0)));
     return above ? std::numeric_limits<T>::max() : below ? std::numeric_limits<T>::min() : inside;
   }
 }
