@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -17,10 +18,14 @@ using oracle::number;
 inline bool less(const number& a, const number& b) { return mpfr_less_p(a.get(), b.get()) != 0; }
 inline bool equal(const number& a, const number& b) { return mpfr_equal_p(a.get(), b.get()) != 0; }
 inline bool is_nan(const number& a) { return mpfr_nan_p(a.get()) != 0; }
-inline number written(const char* decimal) {
+/// A decimal, parsed once.
+inline const number& written(const char* decimal) {
+  static std::map<const char*, number> parsed;
+  const auto known = parsed.find(decimal);
+  if (known != parsed.end()) return known->second;
   number r;
   mpfr_set_str(r.get(), decimal, 10, MPFR_RNDN);
-  return r;
+  return parsed.emplace(decimal, r).first->second;
 }
 inline number power(long exponent) {
   number r(1.0);

@@ -92,7 +92,8 @@ void add_reals_beside(std::set<std::vector<char>>& found, const format& f, const
 inline samples samples_of_part(const format& f) {
   std::set<std::vector<char>> found;
   for (const std::string& edge : edges()) {
-    const number e = written(edge.c_str());
+    number e;
+    mpfr_set_str(e.get(), edge.c_str(), 10, MPFR_RNDN);
     if (!is_integer(f)) {
       if (f.bytes == 8) add_reals_beside<uint64_t>(found, f, e);
       if (f.bytes == 4) add_reals_beside<uint32_t>(found, f, e);
