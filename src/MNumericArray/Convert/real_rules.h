@@ -17,23 +17,22 @@ template <class N> inline N clamped(N x, N least, N most) {
   return raised > most ? most : raised;
 }
 
-/// r truncated to T. A NaN gives 0. Without Clip, r is in range or a NaN; with it, numbers out of range give the limits of T. The
-/// conversion itself only ever sees numbers in range: of others the language and the processors have nothing to say that is the
-/// same everywhere.
-template <class T, class R, bool Clip> inline T truncated(number_t<R> r) {
+/// r truncated to T. A NaN gives 0, unless the caller knows that there is none. Without Clip, r is in range or a NaN; with it, numbers
+/// out of range give the limits of T. The conversion itself only ever sees numbers in range: of others the language and the
+/// processors have nothing to say that is the same everywhere.
+template <class T, class R, bool Clip, bool MayBeNaN = true> inline T truncated(number_t<R> r) {
   using range = integers_among<T, R>;
   using number = number_t<R>;
   // Conversion to the narrow types goes by way of 32 bits, which the processors have.
   using wide = std::conditional_t<sizeof(T) < 4, int32_t, T>;
-  if constexpr (!Clip) {
-    return static_cast<T>(static_cast<wide>(r == r ? r : number(0)));
-  } else if constexpr (range::all_exact) {
-    const number inside = clamped(r, range::least, range::most);
-    return static_cast<T>(static_cast<wide>(inside == inside ? inside : number(0)));
-  } else {
+  if constexpr (Clip && !range::all_exact) {
     const bool above = r > range::most, below = r < range::least;
     const T inside = static_cast<T>(static_cast<wide>(((r == r) & !above & !below) ? r : number(0)));
     return above ? std::numeric_limits<T>::max() : below ? std::numeric_limits<T>::min() : inside;
+  } else {
+    number inside = Clip ? clamped(r, range::least, range::most) : r;
+    if constexpr (MayBeNaN) inside = inside == inside ? inside : number(0);
+    return static_cast<T>(static_cast<wide>(inside));
   }
 }
 
@@ -69,7 +68,12 @@ template <class R, class T, fraction Fraction, bool Clip> struct real_to_integer
     if constexpr (!Clip) accepted &= in_range<T, R>(r);
     return accepted;
   }
-  static T value(R source) { return truncated<T, R, Clip>(whole(as_number(source))); }
+  static T value(R source) {
+    const number x = as_number(source);
+    // Both tests refuse a NaN, and what passes the first is whole.
+    constexpr bool may_be_nan = Fraction == fraction::cut || Fraction == fraction::rounded;
+    return truncated<T, R, Clip, may_be_nan>(Fraction == fraction::refused ? x : whole(x));
+  }
 
  private:
   [[no_unique_address]] test test_;
@@ -89,7 +93,9 @@ template <class R, class T, bool Rounded, bool Clip> struct unit_to_integer {
   static number whole(number y) { return Rounded ? std::rint(y) : y; }
   static bool accepts(R source) {
     const number x = as_number(source);
-    return !(x < least) & !(x > 1) & in_range<T, R>(whole(nearest_number<R>(x * factor(x))));
+    const bool unit = !(x < least) & !(x > 1);
+    if constexpr (range::all_exact) return unit;  // which the factors take into the range
+    return unit & in_range<T, R>(whole(nearest_number<R>(x * factor(x))));
   }
   static T value(R source) {
     number x = as_number(source);

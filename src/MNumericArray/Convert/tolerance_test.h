@@ -70,7 +70,7 @@ template <class R> class tolerance_test {
       const number size = std::fabs(x) > std::fabs(r) ? std::fabs(x) : std::fabs(r);
       const number product = size * factor_;
       constexpr number least = std::numeric_limits<number>::denorm_min();
-      return (product > least ? product : least) > std::fabs(x - r);
+      return (product < least ? least : product) > std::fabs(x - r);
     }
   }
 
