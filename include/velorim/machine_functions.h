@@ -3,8 +3,8 @@
  *
  * A function is a number. With an element type it names a row of the catalogue: a scalar kernel, a vector
  * kernel and the element type of the result. Function numbers are part of the interface: 1 to 86 take one
- * argument, 257 to 287 two (one row for a pair of element types). All tables are constant and every function here may be called on any thread; calls on distinct
- * targets may run at the same time.
+ * argument, 257 to 287 two (one row for a pair of element types), 513 to 516 three (tensor_arithmetic.h). All tables are constant
+ * and every function here may be called on any thread; calls on distinct targets may run at the same time.
  *
  * What counts as a failure
  *   MACHFUNC_CHECK_FP       for a floating-point source with a floating-point result: a result that is NaN or
@@ -290,17 +290,19 @@ int32_t ReturnRangeType1(int32_t number, int32_t type, uint32_t* mark) VLM_NOEXC
  *              source itself.
  *  returns     0;
  *              4 if an element failed, there is no kernel for function and types, or an argument is null (the
- *              target then has its shape and holds what was written);
+ *              target then has its shape and holds what was written; a target that is the source and would change its type is
+ *              unchanged where there is no kernel);
  *              5 if memory ran out; any other status of the allocation as it is (402 for a negative
  *              dimension). After an allocation that failed a target that was null is null again.
- *  A real source with a complex result has no kernel in this edition, nor has a complex source. */
+ *  A real source with a complex result is promotion (tensor_arithmetic.h): each element is real where the function succeeds in reals,
+ *  with imaginary part 0, and complex where it does not. A source without elements then counts as failed (4). */
 int32_t Math_T_T(int32_t number, uint32_t flags, const MTensor* source, int32_t resultType,
                  MTensor** result) VLM_NOEXCEPT;
 
 /** Operators: f applied to every element of a source, into a result that already has the shape and the type.
  *  TensorOp1 goes by the tensor types of both arrays, PackedTensorOp1 by the source's type and resultType.
  *  Integer sources have integer results only. The result may be the source.
- *  returns  -2 for success;
+ *  returns  -2 for success; with a real source and a complex result also -3, -4, -7 and 0 (promotion, tensor_arithmetic.h);
  *           -1 if there is no kernel for the function and the two types, an array is null, or the result's
  *           storage is too small for what the kernel writes;
  *           else the 0-based index of a failing element, by the mode of the run, which also tells what was

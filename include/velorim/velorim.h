@@ -24,6 +24,7 @@
 #include <velorim/scalar_functions.h>
 #include <velorim/status.h>
 #include <velorim/structural.h>
+#include <velorim/tensor_arithmetic.h>
 #include <velorim/thread.h>
 
 #endif

@@ -140,6 +140,14 @@ constexpr rounded round(float x) {
   return {real16{half}, (bits & 0x00400000) == 0 ? real16_invalid : 0};
 }
 
+/// A finite half as a multiple of 2^-24.
+constexpr int64_t units(real16 x) {
+  const int exponent = x.bits >> 10 & 0x1F;
+  const int64_t fraction = x.bits & 0x03FF;
+  const int64_t size = exponent == 0 ? fraction : (0x0400 | fraction) << (exponent - 1);
+  return sign_bit(x) ? -size : size;
+}
+
 }  // namespace real16_format
 
 /// Signals invalid for a signalling NaN; returns x with a NaN made quiet. What every operation does to
@@ -243,6 +251,28 @@ inline real16 divide(real16 x, real16 y) noexcept {
   return real16_format::finish(real16_format::widen(x) / real16_format::widen(y));
 }
 
+/// a * x + y, rounded once.
+inline real16 multiply_add(real16 a, real16 x, real16 y) noexcept {
+  if (is_nan(a) || is_nan(x)) [[unlikely]]
+    return real16_format::pass_nan(real16_format::pass_nan(a, x), y);
+  if (is_nan(y)) [[unlikely]]
+    return accept_real16(y);
+  if (!is_finite(a) || !is_finite(x) || !is_finite(y)) [[unlikely]]
+    return real16_format::finish(real16_format::widen(a) * real16_format::widen(x) + real16_format::widen(y));
+  const __int128 product = static_cast<__int128>(real16_format::units(a)) * real16_format::units(x);
+  const __int128 exact = product + static_cast<__int128>(real16_format::units(y)) * (1 << 24);  // of 2^-48
+  if (exact == 0) return {static_cast<uint16_t>((a.bits ^ x.bits) & y.bits & 0x8000)};
+  // The leading bits, the last of them set if anything is cut off: rounding that again is rounding once.
+  unsigned __int128 size = exact < 0 ? -static_cast<unsigned __int128>(exact) : exact;
+  double scale = exact < 0 ? -0x1p-48 : 0x1p-48;
+  if ((size >> 53) != 0) {
+    constexpr int cut = 29;  // the size is below 2^82
+    size = size >> cut | ((size & ((1u << cut) - 1)) != 0 ? 1 : 0);
+    scale *= 0x1p29;
+  }
+  return to_real16(static_cast<double>(static_cast<uint64_t>(size)) * scale);
+}
+
 inline real16 square_root(real16 x) noexcept {
   if (is_nan(x)) [[unlikely]]
     return accept_real16(x);
@@ -293,10 +323,7 @@ inline real16 rint(real16 x) noexcept {
 inline int64_t to_int64(real16 x) noexcept {
   if (is_finite(x)) [[likely]] {
     // By integer arithmetic: the processor's conversion would raise inexact.
-    const int exponent = x.bits >> 10 & 0x1F;
-    const int64_t fraction = x.bits & 0x03FF;
-    const int64_t units = exponent == 0 ? fraction : (0x0400 | fraction) << (exponent - 1);  // of 2^-24
-    return sign_bit(x) ? -(units >> 24) : units >> 24;
+    return real16_format::units(x) / (1 << 24);
   }
   signal_real16(real16_invalid);
   if (is_nan(x)) return 0;
