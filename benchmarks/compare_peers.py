@@ -21,7 +21,9 @@ import numpy as np
 HERE = pathlib.Path(__file__).resolve().parent
 LENGTH = 100_000
 TURN_SECONDS = 0.02
-DTYPES = {"Real64": np.float64, "Real32": np.float32, "Integer64": np.int64}
+DTYPES = {"Real64": np.float64, "Real32": np.float32, "Integer64": np.int64, "Integer32": np.int32, "Integer8": np.int8,
+          "UnsignedInteger8": np.uint8}
+PLACES = {"new": "out of place", "in_place": "in place"}
 PEER_NAMES = {"atan": "arctan", "asinh": "arcsinh", "abs": "absolute", "minus": "negative"}
 
 
@@ -30,6 +32,13 @@ def read_cases():
     pattern = re.compile(r"^(?:ELEMENTARY|INTEGER)\((\w+), (\w+), (\S+), (\S+)\)$", re.MULTILINE)
     text = (HERE / "cases.def").read_text(encoding="utf-8")
     return [(m[1], m[2], float(m[3]), float(m[4])) for m in pattern.finditer(text)]
+
+
+def read_conversions():
+    """(source, target, method, low, high) of every line of conversion_cases.def."""
+    pattern = re.compile(r"^CONVERSION\((\w+), (\w+), (\w+), (\S+), (\S+)\)$", re.MULTILINE)
+    text = (HERE / "conversion_cases.def").read_text(encoding="utf-8")
+    return [(m[1], m[2], m[3], float(m[4]), float(m[5])) for m in pattern.finditer(text)]
 
 
 def measure_library(program, name, suffix=""):
@@ -75,7 +84,18 @@ class Peer:
         self.calls = max(1, round(TURN_SECONDS * 1e9 / max(1, min(measure() for _ in range(5)))))
 
 
-def build_rows(program):
+class ConversionPeer(Peer):
+    """astype into an array that is there; it tests nothing."""
+
+    def __init__(self, source, target, method, low, high):
+        x = np.random.default_rng(20120101).uniform(low, high, LENGTH)
+        self.x = (np.rint(x) if method.endswith(("Check", "Coerce")) else x).astype(DTYPES[source])
+        self.out = np.empty(LENGTH, DTYPES[target])
+        self.function = lambda x, out: np.copyto(out, x, casting="unsafe")
+        self.calls = 1
+
+
+def build_rows(program, only):
     """Key -> (measure of the library, measure of the peer), both without arguments and in nanoseconds a call."""
     rows = {}
     for kind, name, low, high in read_cases():
@@ -88,12 +108,18 @@ def build_rows(program):
             suffix = "/manual_time" if place == "in_place" else ""
             rows[kind, name, place] = (
                 lambda key=f"{kind}/{name}/{place}", suffix=suffix: measure_library(program, key, suffix), measure)
-    return rows
+    for source, target, method, low, high in read_conversions():
+        peer = ConversionPeer(source, target, method, low, high)
+        peer.calibrate(peer.into_new)
+        rows["convert", f"{source}/{target}", method] = (
+            lambda key=f"convert/{source}/{target}/{method}": measure_library(program, key), peer.into_new)
+    return {key: row for key, row in rows.items() if only.search("/".join(key))}
 
 
-def measure_all(program, rounds):
-    rows = build_rows(program)
+def measure_all(program, rounds, only):
+    rows = build_rows(program, only)
     alone = {"threads/exp/1": "/real_time", "threads/exp/2": "/real_time", "Math_T_T/sqrt/4": "", "Math_T_T/exp/4": ""}
+    alone = {key: suffix for key, suffix in alone.items() if only.search(key)}
     library, peer = {}, {}
     for number in range(1, rounds + 1):
         print(f"\rround {number} of {rounds}", end="", file=sys.stderr, flush=True)
@@ -110,7 +136,7 @@ def print_rows(library, peer, out):
     print(f"\n{'nanoseconds an element, 100,000 elements':<44}{'library':>9}{'NumPy':>9}{'ratio':>8}", file=out)
     for kind, name, place in peer:
         key = (kind, name, place)
-        label = f"{kind} {name} {'in place' if place == 'in_place' else 'out of place'}"
+        label = f"{kind} {name} {PLACES.get(place, place)}"
         print(f"{label:<44}{library[key] / LENGTH:9.3f}{peer[key] / LENGTH:9.3f}{library[key] / peer[key]:8.2f}", file=out)
 
 
@@ -120,19 +146,31 @@ def print_bars(library, peer, out):
     def ratios(kind, place):
         return [library[key] / peer[key] for key in peer if (key[0], key[2]) == (kind, place)]
 
-    # what, measured value, bar, whether the value must be at most (or else at least) the bar, unit
+    def conversions(plain):
+        return [library[key] / peer[key] for key in peer
+                if key[0] == "convert" and plain == (key[1] == "Integer64/Real64" and key[2] in ("Coerce", "Round"))]
+
+    def alone(*names):
+        return [library[name] for name in names if all(n in library for n in names)]
+
+    # what, how many values become one, the values, bar, whether the value must be at most (or else at least) the bar, unit
     bars = [
-        ("Real64 elementary, out of place: median ratio", statistics.median(ratios("Real64", "new")), 1.25, True, ""),
-        ("Real64 elementary, in place: median ratio", statistics.median(ratios("Real64", "in_place")), 1.6, True, ""),
-        ("Real32 exp, log, sin, sqrt: worst ratio", max(ratios("Real32", "new")), 1.5, True, ""),
-        ("Integer64 abs, minus, square: worst ratio", max(ratios("Integer64", "new")), 1.3, True, ""),
-        ("exp over 10 million: 2 threads against 1", library["threads/exp/1"] / library["threads/exp/2"], 1.8, False, ""),
-        ("Math_T_T on 4 elements, sqrt", library["Math_T_T/sqrt/4"], 60.0, True, " ns"),
-        ("Math_T_T on 4 elements, exp", library["Math_T_T/exp/4"], 60.0, True, " ns"),
+        ("Real64 elementary, out of place: median ratio", statistics.median, ratios("Real64", "new"), 1.25, True, ""),
+        ("Real64 elementary, in place: median ratio", statistics.median, ratios("Real64", "in_place"), 1.6, True, ""),
+        ("Real32 exp, log, sin, sqrt: worst ratio", max, ratios("Real32", "new"), 1.5, True, ""),
+        ("Integer64 abs, minus, square: worst ratio", max, ratios("Integer64", "new"), 1.3, True, ""),
+        ("conversions that test each element: worst ratio", max, conversions(False), 2.0, True, ""),
+        ("conversions that refuse nothing: worst ratio", max, conversions(True), 1.2, True, ""),
+        ("exp over 10 million: 2 threads against 1", lambda v: v[0] / v[1], alone("threads/exp/1", "threads/exp/2"), 1.8, False, ""),
+        ("Math_T_T on 4 elements, sqrt", max, alone("Math_T_T/sqrt/4"), 60.0, True, " ns"),
+        ("Math_T_T on 4 elements, exp", max, alone("Math_T_T/exp/4"), 60.0, True, " ns"),
     ]
     print(f"\n{'bar':<50}{'measured':>11}{'to meet':>15}", file=out)
     all_met = True
-    for what, value, bar, at_most, unit in bars:
+    for what, summary, values, bar, at_most, unit in bars:
+        if not values:
+            continue  # left out by --only
+        value = summary(values)
         met = value <= bar if at_most else value >= bar
         all_met = all_met and met
         limit = f"{'at most' if at_most else 'at least'} {bar:g}{unit}"
@@ -169,11 +207,13 @@ def main():
     parser.add_argument("program", help="the built velorim_benchmarks")
     parser.add_argument("--rounds", type=int, default=12, help="rounds of measuring (default 12)")
     parser.add_argument("--save", action="store_true", help="also write results/compare_peers.txt")
+    parser.add_argument("--only", type=re.compile, default=re.compile(""), metavar="REGEX",
+                        help="measure the rows whose name, such as convert/Real64/Integer8/Check, matches")
     options = parser.parse_args()
     if options.rounds < 1:
         parser.error("--rounds must be at least 1")
 
-    library, peer = measure_all(options.program, options.rounds)
+    library, peer = measure_all(options.program, options.rounds, options.only)
     outputs = [sys.stdout]
     if options.save:
         (HERE / "results").mkdir(exist_ok=True)

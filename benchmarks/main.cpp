@@ -31,6 +31,7 @@ int main(int argc, char** argv) {
   bench::register_lengths();
   bench::register_threads();
   bench::register_front_ends();
+  bench::register_conversion();
   benchmark::Initialize(&argc, argv);
   int status = 0;
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) {

@@ -133,5 +133,6 @@ void register_integer();
 void register_lengths();
 void register_threads();
 void register_front_ends();
+void register_conversion();
 
 }  // namespace bench

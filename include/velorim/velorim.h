@@ -9,6 +9,7 @@
 #include <velorim/blas.h>
 #include <velorim/complex_functions.h>
 #include <velorim/containers.h>
+#include <velorim/conversion.h>
 #include <velorim/errors.h>
 #include <velorim/floating_point.h>
 #include <velorim/hash.h>

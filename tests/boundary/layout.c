@@ -37,6 +37,16 @@ FIELD(TensorProperty, tensorType, 24, 4);
 FIELD(TensorProperty, flags, 28, 4);
 SIZE(TensorProperty, 32);
 
+FIELD(MNumericArrayConvertData, sourceOffset, 0, 8);
+FIELD(MNumericArrayConvertData, sourceStride, 8, 8);
+FIELD(MNumericArrayConvertData, targetOffset, 16, 8);
+FIELD(MNumericArrayConvertData, targetStride, 24, 8);
+FIELD(MNumericArrayConvertData, tolerance, 32, 8);
+FIELD(MNumericArrayConvertData, reserved, 40, 8);
+FIELD(MNumericArrayConvertData, method, 48, 4);
+FIELD(MNumericArrayConvertData, clip, 52, 1);
+SIZE(MNumericArrayConvertData, 56);
+
 FIELD(PartSpec, kind, 0, 4);
 FIELD(PartSpec, count, 8, 8);
 FIELD(PartSpec, indices, 16, 8);

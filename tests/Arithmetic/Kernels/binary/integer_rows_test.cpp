@@ -44,7 +44,10 @@ exact power_of(wide x, wide y) {
   if (x == -1) return {y % 2 == 0 ? 1 : -1};
   if (y < 0) return no_value;
   wide value = 1;
-  for (; y > 0 && size_of(value) < huge; --y) value *= x;
+  for (; y > 0; --y) {
+    if (size_of(value) > huge / size_of(x)) return {huge};
+    value *= x;
+  }
   return {value};
 }
 
@@ -75,8 +78,10 @@ exact rule(int32_t number, wide x, wide y, const type_facts& type) {
     case 268:
       return {x ^ y};
     case 270: {
-      const wide d = x - y;
-      return {is_signed ? size_of(d) : d, false, is_signed && (d < type.least || d > type.most)};
+      // Unchecked, the magnitude is that of the difference as it wraps.
+      const wide d = x - y, range = wide{1} << type.width;
+      const wide wrapped = d < type.least ? d + range : d > type.most ? d - range : d;
+      return {is_signed ? size_of(wrapped) : d, false, is_signed && wrapped != d};
     }
     case 272:
       return {std::max(size_of(x), size_of(y))};

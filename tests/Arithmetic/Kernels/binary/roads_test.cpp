@@ -307,7 +307,7 @@ TEST(BinaryRoads, MixedRowsWidenTheirArguments) {
       }
     }
   });
-  EXPECT_EQ(rows, 67);
+  EXPECT_EQ(rows, 73);
 }
 
 }  // namespace
