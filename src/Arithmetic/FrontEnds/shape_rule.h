@@ -1,6 +1,8 @@
 // How the elements of two arrays meet: one by one, or each element of the shorter with one block of the longer.
 #pragma once
 
+#include <algorithm>
+
 #include "Arithmetic/FrontEnds/outcome.h"
 #include "Memory/working_space.h"
 #include "velorim/machine_functions.h"
@@ -19,7 +21,7 @@ class operand {
       : data_(static_cast<const unsigned char*>(array->data)),
         bytes_(static_cast<mint>(element_bytes(element_type(array)))),
         count_(array->flattenedLength),
-        block_(count_ == 0 ? 0 : result_count / count_) {}
+        block_(count_ == 0 ? 1 : std::max<mint>(1, result_count / count_)) {}
 
   const unsigned char* data() const { return data_; }
   mint bytes() const { return bytes_; }
