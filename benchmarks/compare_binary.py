@@ -11,6 +11,8 @@ import time
 
 import numpy as np
 
+from compare_peers import machine
+
 LENGTH = 100_000
 TYPES = {"Integer64": (7, np.int64), "Real64": (10, np.float64), "ComplexReal64": (12, np.complex128)}
 NUMBERS = {"plus": 257, "subtract": 258, "times": 259, "div": 260, "mod": 261, "quotient": 262, "pow": 263, "atan2": 265, "gcd": 281}
@@ -145,6 +147,7 @@ def main():
     for _ in range(options.rounds):
         for row in rows:
             row.measure()
+    print(f"{machine()}\n{time.strftime('%Y-%m-%d')}, fastest call of {options.rounds} rounds\n")
     print(f"{'nanoseconds an element, ' + str(LENGTH) + ' elements':<66}{'library':>9}{'NumPy':>9}{'ratio':>8}{'bar':>7}")
     for row in rows:
         ratio = row.best_library / row.best_peer
