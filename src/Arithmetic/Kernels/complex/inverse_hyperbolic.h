@@ -193,19 +193,19 @@ struct atanh {
       if (!(a > 1)) return {std::atanh(z.re), 0};
       return {std::atanh(1 / z.re), z.re > 0 ? -half_pi<T> : half_pi<T>};
     }
-    const T less = 1 - a, yy = b * b;
+    const T less = 1 - a;
     T l, angle;
     if (a > least && a < most && b > least && b < most) {
-      l = std::log1p(4 * a / (yy + less * less));
-      angle = std::atan2(2 * b, less * (1 + a) - yy);
+      l = std::log1p(4 * a / (b * b + less * less));
+      angle = std::atan2(2 * b, less * (1 + a) - b * b);
     } else if (a >= most) {
       const T t = b >= most ? 4 / b / (a / b + b / a) : b > 1 ? 4 / (a + b * (b / a)) : 4 / a;
       l = std::log1p(t);
       angle = pi<T>;
     } else if (b < most) {
       l = a == 1 ? (std::log(b) - ln2<T>)*-2
-                 : std::log1p(4 * a / (b > least ? yy + less * less : less * less));
-      angle = std::atan2(2 * b, a > least ? less * (1 + a) : b > least ? 1 - yy : T{1});
+                 : std::log1p(4 * a / (b > least ? b * b + less * less : less * less));
+      angle = std::atan2(2 * b, a > least ? less * (1 + a) : b > least ? 1 - b * b : T{1});
     } else {
       l = a > 1 ? std::log1p(4 * a / b / (b + less * (less / b))) : 4 * (a / b) / b;
       angle = pi<T>;
