@@ -21,13 +21,13 @@ import numpy as np
 HERE = pathlib.Path(__file__).resolve().parent
 LENGTH = 100_000
 TURN_SECONDS = 0.02
-DTYPES = {"Real64": np.float64, "Real32": np.float32, "Integer64": np.int64}
-PEER_NAMES = {"atan": "arctan", "asinh": "arcsinh", "abs": "absolute", "minus": "negative"}
+DTYPES = {"Real64": np.float64, "Real32": np.float32, "Integer64": np.int64, "ComplexReal64": np.complex128}
+PEER_NAMES = {"asin": "arcsin", "atan": "arctan", "asinh": "arcsinh", "abs": "absolute", "minus": "negative"}
 
 
 def read_cases():
     """(type, name, low, high) of every line of cases.def."""
-    pattern = re.compile(r"^(?:ELEMENTARY|INTEGER)\((\w+), (\w+), (\S+), (\S+)\)$", re.MULTILINE)
+    pattern = re.compile(r"^(?:ELEMENTARY|INTEGER|COMPLEX)\((\w+), (\w+), (\S+), (\S+)\)$", re.MULTILINE)
     text = (HERE / "cases.def").read_text(encoding="utf-8")
     return [(m[1], m[2], float(m[3]), float(m[4])) for m in pattern.finditer(text)]
 
@@ -50,7 +50,11 @@ class Peer:
 
     def __init__(self, kind, name, low, high):
         self.function = getattr(np, PEER_NAMES.get(name, name))
-        self.x = np.random.default_rng(20120101).uniform(low, high, LENGTH).astype(DTYPES[kind])
+        random = np.random.default_rng(20120101)
+        if kind == "ComplexReal64":
+            self.x = random.uniform(low, high, 2 * LENGTH).view(DTYPES[kind])
+        else:
+            self.x = random.uniform(low, high, LENGTH).astype(DTYPES[kind])
         self.out = np.empty_like(self.x)
         self.calls = 1
 
@@ -75,10 +79,12 @@ class Peer:
         self.calls = max(1, round(TURN_SECONDS * 1e9 / max(1, min(measure() for _ in range(5)))))
 
 
-def build_rows(program):
+def build_rows(program, only_kind):
     """Key -> (measure of the library, measure of the peer), both without arguments and in nanoseconds a call."""
     rows = {}
     for kind, name, low, high in read_cases():
+        if only_kind not in (None, kind):
+            continue
         for place in ("new", "in_place"):
             if place == "in_place" and kind != "Real64":
                 continue
@@ -91,9 +97,11 @@ def build_rows(program):
     return rows
 
 
-def measure_all(program, rounds):
-    rows = build_rows(program)
+def measure_all(program, rounds, only_kind):
+    rows = build_rows(program, only_kind)
     alone = {"threads/exp/1": "/real_time", "threads/exp/2": "/real_time", "Math_T_T/sqrt/4": "", "Math_T_T/exp/4": ""}
+    if only_kind:
+        alone = {}
     library, peer = {}, {}
     for number in range(1, rounds + 1):
         print(f"\rround {number} of {rounds}", end="", file=sys.stderr, flush=True)
@@ -126,6 +134,7 @@ def print_bars(library, peer, out):
         ("Real64 elementary, in place: median ratio", statistics.median(ratios("Real64", "in_place")), 1.6, True, ""),
         ("Real32 exp, log, sin, sqrt: worst ratio", max(ratios("Real32", "new")), 1.5, True, ""),
         ("Integer64 abs, minus, square: worst ratio", max(ratios("Integer64", "new")), 1.3, True, ""),
+        ("ComplexReal64 elementary: worst ratio", max(ratios("ComplexReal64", "new")), 0.3, True, ""),
         ("exp over 10 million: 2 threads against 1", library["threads/exp/1"] / library["threads/exp/2"], 1.8, False, ""),
         ("Math_T_T on 4 elements, sqrt", library["Math_T_T/sqrt/4"], 60.0, True, " ns"),
         ("Math_T_T on 4 elements, exp", library["Math_T_T/exp/4"], 60.0, True, " ns"),
@@ -169,11 +178,14 @@ def main():
     parser.add_argument("program", help="the built velorim_benchmarks")
     parser.add_argument("--rounds", type=int, default=12, help="rounds of measuring (default 12)")
     parser.add_argument("--save", action="store_true", help="also write results/compare_peers.txt")
+    parser.add_argument("--kind", choices=DTYPES, help="only the rows of this element type, and no bars")
     options = parser.parse_args()
+    if options.kind and options.save:
+        parser.error("--save needs all rows")
     if options.rounds < 1:
         parser.error("--rounds must be at least 1")
 
-    library, peer = measure_all(options.program, options.rounds)
+    library, peer = measure_all(options.program, options.rounds, options.kind)
     outputs = [sys.stdout]
     if options.save:
         (HERE / "results").mkdir(exist_ok=True)
@@ -182,6 +194,8 @@ def main():
     print(machine(), file=out)
     print(f"{time.strftime('%Y-%m-%d')}, fastest call of {options.rounds} rounds", file=out)
     print_rows(library, peer, out)
+    if options.kind:
+        return
     all_met = print_bars(library, peer, out)
     print("\nall bars met" if all_met else "\nnot all bars met", file=out)
     out.flush()

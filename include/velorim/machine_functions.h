@@ -293,7 +293,7 @@ int32_t ReturnRangeType1(int32_t number, int32_t type, uint32_t* mark) VLM_NOEXC
  *              target then has its shape and holds what was written);
  *              5 if memory ran out; any other status of the allocation as it is (402 for a negative
  *              dimension). After an allocation that failed a target that was null is null again.
- *  A real source with a complex result has no kernel in this edition, nor has a complex source. */
+ *  A real source with a complex result has no kernel in this edition. */
 int32_t Math_T_T(int32_t number, uint32_t flags, const MTensor* source, int32_t resultType,
                  MTensor** result) VLM_NOEXCEPT;
 

@@ -9,6 +9,8 @@
 
 #include <cstdio>
 #include <random>
+#include <set>
+#include <string>
 
 #include "Arithmetic/Kernels/complex_functions.h"
 #include "Arithmetic/unary_table.h"
@@ -152,8 +154,9 @@ INSTANTIATE_TEST_SUITE_P(Functions, ComplexAccuracy, testing::ValuesIn(complex_f
                          [](const auto& e) { return std::string(e.param.name); });
 
 TEST(ComplexAccuracyTable, DISABLED_Print) {
+  constexpr int many = 200;
   for (const entry& e : complex_functions::all()) {
-    const worst_errors in64 = measure<double>(e, 3000), in32 = measure<float>(e, 3000);
+    const worst_errors in64 = measure<double>(e, many), in32 = measure<float>(e, many);
     std::printf("| `%s` | %g | %.2f | %g | %.2f |", e.name, e.bound64, in64.norm, e.bound32, in32.norm);
     if (e.part_bound64 != 0) {
       std::printf(" %g | %.2f | %g | %.2f |\n", e.part_bound64, in64.part, e.part_bound32, in32.part);
@@ -161,6 +164,32 @@ TEST(ComplexAccuracyTable, DISABLED_Print) {
       std::printf(" | | | |\n");
     }
     std::fflush(stdout);
+  }
+}
+
+/// For scripts/plot_complex_accuracy: a line for a function with the largest error of a few points in each cell of the plane, from
+/// the lower left corner on, row by row.
+TEST(ComplexAccuracyPlane, DISABLED_Print) {
+  constexpr int cells = 80, points_in_cell = 4;
+  constexpr double reach = 4;
+  std::mt19937_64 random(1);
+  for (const entry& e : complex_functions::all()) {
+    const std::string name = e.name;
+    if (!std::set<std::string>{"exp", "log", "sqrt", "tan", "asin", "atanh"}.contains(name)) continue;
+    std::printf("plane %s %d %g", e.name, cells, reach);
+    for (int cell = 0; cell < cells * cells; ++cell) {
+      double worst = 0;
+      for (int i = 0; i < points_in_cell; ++i) {
+        const auto within = [&](int k) {
+          return reach * (2 * (k + static_cast<double>(random() >> 11) * 0x1p-53) / cells - 1);
+        };
+        const point<double> z = {within(cell % cells), within(cell / cells)};
+        const point<double> w = value(e, z);
+        worst = std::max(worst, oracle::norm_error(w.re, w.im, e.exact(complex_number(z.re, z.im))));
+      }
+      std::printf(" %.2f", worst);
+    }
+    std::printf("\n");
   }
 }
 

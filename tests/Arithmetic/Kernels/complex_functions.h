@@ -174,10 +174,10 @@ inline double condition(const entry& e, const complex_number& z, const complex_n
   }
   return 1 + worst;
 }
-/// The same for functions of 1 / z, whose parts have to be normal numbers or zero.
-inline double condition_of_reciprocal(const entry& e, const complex_number& z, const complex_number& exact,
-                                      double most) {
-  const complex_number v = complex_number(1) / z;
+/// The same for functions of f(z), whose parts have to be normal numbers or zero.
+template <complex_number (*f)(const complex_number&)>
+double condition_through(const entry& e, const complex_number& z, const complex_number& exact, double most) {
+  const complex_number v = f(z);
   const auto fits = [most](mpfr_srcptr part) {
     return mpfr_zero_p(part) || std::fabs(static_cast<double>(mpfr_get_exp(part))) < most - 1;
   };
@@ -196,44 +196,47 @@ double below_limit(const entry&, const complex_number& z, const complex_number&,
              ? 1
              : std::numeric_limits<double>::infinity();
 }
-/// The larger term against the result, and the angle against its rounding.
+/// The terms, with the largest value of the cosine, against the result, and the rounding of their arguments.
 inline double of_terms(const entry&, const complex_number& z, const complex_number& exact, double most) {
   const golden_terms g(z);
-  const double larger = std::max(oracle::log2_magnitude(g.p), oracle::log2_magnitude(g.q));
-  const double cosine = oracle::log2_magnitude(g.p * g.q);
-  if (!(larger < most) || !(cosine < most)) return std::numeric_limits<double>::infinity();
-  return std::exp2(larger - oracle::log2_magnitude(exact)) * (1 + std::exp2(oracle::log2_magnitude(z)));
+  const complex_number cosine = g.p * g.q;
+  for (const complex_number& step : {g.p, g.q, cosine}) {
+    if (!(oracle::log2_magnitude(step) < most)) return std::numeric_limits<double>::infinity();
+  }
+  const double largest_cosine = 1 + oracle::ratio(cosine, complex_number(1));
+  return (oracle::ratio(g.p, exact) + largest_cosine * oracle::ratio(complex_number(1) / g.p, exact)) *
+         (1 + oracle::ratio(z, complex_number(1)));
 }
 
 inline const std::vector<entry>& all() {
   static const std::vector<entry> entries = {
       {1, "sin", plainly<mpc_sin>, 3, 3, 3, 3},
       {2, "cos", plainly<mpc_cos>, 3, 3, 3, 3},
-      {3, "tan", tan, 3, 3, 3, 3},
+      {3, "tan", tan, 3, 3, 5, 5},
       {5, "csc", reciprocal<mpc_sin>, 3, 3, 0, 0, below_limit<true>},
       {6, "sec", reciprocal<mpc_cos>, 3, 3, 0, 0, below_limit<true>},
       {7, "cot", reciprocal_of<tan>, 3, 3},
       {9, "sinh", plainly<mpc_sinh>, 3, 3, 3, 3},
       {10, "cosh", plainly<mpc_cosh>, 3, 3, 3, 3},
-      {11, "tanh", tanh, 3, 3, 3, 3},
+      {11, "tanh", tanh, 3, 3, 5, 5},
       {13, "csch", reciprocal<mpc_sinh>, 3, 3, 0, 0, below_limit<false>},
       {14, "sech", reciprocal<mpc_cosh>, 3, 3, 0, 0, below_limit<false>},
       {15, "coth", reciprocal_of<tanh>, 3, 3},
       {17, "asin", asin, 3, 3, 3, 3},
       {18, "acos", acos, 3, 3, 3, 3},
       {19, "atan", atan, 3, 3},
-      {21, "acsc", of_reciprocal<asin>, 3, 3, 0, 0, condition_of_reciprocal},
-      {22, "asec", of_reciprocal<acos>, 3, 3, 0, 0, condition_of_reciprocal},
-      {23, "acot", of_reciprocal<atan>, 3, 3, 0, 0, condition_of_reciprocal},
+      {21, "acsc", of_reciprocal<asin>, 3, 3, 0, 0, condition_through<recip>},
+      {22, "asec", of_reciprocal<acos>, 3, 3, 0, 0, condition_through<recip>},
+      {23, "acot", of_reciprocal<atan>, 3, 3, 0, 0, condition_through<recip>},
       {25, "asinh", asinh, 3, 3, 3, 3},
       {26, "acosh", acosh, 3, 3, 3, 3},
       {27, "atanh", atanh, 3, 3},
-      {29, "acsch", of_reciprocal<asinh>, 3, 3, 0, 0, condition_of_reciprocal},
-      {30, "asech", of_reciprocal<acosh>, 3, 3, 0, 0, condition_of_reciprocal},
-      {31, "acoth", of_reciprocal<atanh>, 3, 3, 0, 0, condition_of_reciprocal},
+      {29, "acsch", of_reciprocal<asinh>, 3, 3, 0, 0, condition_through<recip>},
+      {30, "asech", of_reciprocal<acosh>, 3, 3, 0, 0, condition_through<recip>},
+      {31, "acoth", of_reciprocal<atanh>, 3, 3, 0, 0, condition_through<recip>},
       {32, "exp", plainly<mpc_exp>, 3, 3, 3, 3},
       {33, "expm1", expm1, 3, 3},
-      {34, "log", log, 3, 3, 3, 3},
+      {34, "log", log, 1, 1},
       {35, "log1p", log1p, 3, 3},
       {36, "log2", log_to<2>, 3, 3},
       {37, "log10", log_to<10>, 3, 3},
@@ -242,15 +245,15 @@ inline const std::vector<entry>& all() {
       {44, "sign", sign, 3, 3},
       {56, "square", plainly<mpc_sqr>, 3, 3},
       {57, "sqrt", sqrt, 3, 3, 3, 3},
-      {59, "rsqrt", rsqrt, 3, 3, 3, 3},
+      {59, "rsqrt", rsqrt, 3, 3, 4, 4},
       {60, "recip", recip, 3, 3},
       {67, "sinc", sinc, 4, 4, 0, 0, sine_fits},
       {68, "fibonacci", fibonacci, 4, 4, 0, 0, of_terms},
       {69, "lucasl", lucasl, 4, 4, 0, 0, of_terms},
       {70, "gudermannian", gudermannian, 4, 4, 0, 0, condition},
-      {71, "inversegudermannian", inversegudermannian, 4, 4, 0, 0, condition},
+      {71, "inversegudermannian", inversegudermannian, 6, 4, 0, 0, condition},
       {72, "haversine", haversine, 4, 4},
-      {73, "inversehaversine", inversehaversine, 4, 4, 0, 0, condition},
+      {73, "inversehaversine", inversehaversine, 5, 4, 0, 0, condition_through<sqrt>},
       {80, "logistic", logistic, 4, 4},
       {82, "abssquare", abssquare, 4, 4},
   };
