@@ -51,7 +51,7 @@ template <class T> struct arc_bounds {
 };
 
 template <class T> struct arc_terms {
-  T a, b, ap, am, yy, r, s, A, B;
+  T a, b, ap, am, yy, r, s, mean, ratio;  // the paper's A and B are mean and ratio
   arc_terms(T a_of, T b_of)
       : a(a_of),
         b(b_of),
@@ -60,20 +60,19 @@ template <class T> struct arc_terms {
         yy(b * b),
         r(std::sqrt(yy + ap * ap)),
         s(std::sqrt(yy + am * am)),
-        A((r + s) / 2),
-        B(a / A) {}
+        mean((r + s) / 2),
+        ratio(a / mean) {}
   T cotangent() const {
-    const T h = (a + A) / 2;
+    const T h = (a + mean) / 2;
     return a > 1 ? b * std::sqrt(h / (r + ap) + h / (s + am)) : std::sqrt(h * (yy / (r + ap) + (s - am)));
   }
   T imaginary() const {
-    if (A > arc_bounds<T>::crossover_a) return std::log(A + std::sqrt(A * A - 1));
+    if (mean > arc_bounds<T>::crossover_a) return std::log(mean + std::sqrt(mean * mean - 1));
     const T m = a < 1 ? yy / (r + ap) + yy / (s - am) : am + s + yy / (r + ap);
-    return std::log1p(m / 2 + std::sqrt((A + 1) * m / 2));
+    return std::log1p(m / 2 + std::sqrt((mean + 1) * m / 2));
   }
 };
 
-/// log(2 b) with b above a, and half log(1 + (a / b)^2).
 template <class T> inline T log_of_twice(T b) { return std::log(b) + ln2<T>; }
 
 }  // namespace detail
@@ -100,7 +99,7 @@ struct asin {
     parts<T> w;
     if (bounds::safe(a, b)) {
       const detail::arc_terms<T> t(a, b);
-      w = {t.B > bounds::crossover_b ? std::atan(a / t.cotangent()) : std::asin(t.B), t.imaginary()};
+      w = {t.ratio > bounds::crossover_b ? std::atan(a / t.cotangent()) : std::asin(t.ratio), t.imaginary()};
     } else {
       w = at_edges(a, b);
     }
@@ -145,7 +144,7 @@ struct acos {
     parts<T> w;
     if (bounds::safe(a, b)) {
       const detail::arc_terms<T> t(a, b);
-      w = {t.B > bounds::crossover_b ? std::atan(t.cotangent() / a) : std::acos(t.B), t.imaginary()};
+      w = {t.ratio > bounds::crossover_b ? std::atan(t.cotangent() / a) : std::acos(t.ratio), t.imaginary()};
     } else {
       w = at_edges(a, b);
     }
