@@ -22,14 +22,14 @@ HERE = pathlib.Path(__file__).resolve().parent
 LENGTH = 100_000
 TURN_SECONDS = 0.02
 DTYPES = {"Real64": np.float64, "Real32": np.float32, "Integer64": np.int64, "Integer32": np.int32, "Integer8": np.int8,
-          "UnsignedInteger8": np.uint8}
+          "UnsignedInteger8": np.uint8, "ComplexReal64": np.complex128}
 PLACES = {"new": "out of place", "in_place": "in place"}
-PEER_NAMES = {"atan": "arctan", "asinh": "arcsinh", "abs": "absolute", "minus": "negative"}
+PEER_NAMES = {"asin": "arcsin", "atan": "arctan", "asinh": "arcsinh", "abs": "absolute", "minus": "negative"}
 
 
 def read_cases():
     """(type, name, low, high) of every line of cases.def."""
-    pattern = re.compile(r"^(?:ELEMENTARY|INTEGER)\((\w+), (\w+), (\S+), (\S+)\)$", re.MULTILINE)
+    pattern = re.compile(r"^(?:ELEMENTARY|INTEGER|COMPLEX)\((\w+), (\w+), (\S+), (\S+)\)$", re.MULTILINE)
     text = (HERE / "cases.def").read_text(encoding="utf-8")
     return [(m[1], m[2], float(m[3]), float(m[4])) for m in pattern.finditer(text)]
 
@@ -59,7 +59,11 @@ class Peer:
 
     def __init__(self, kind, name, low, high):
         self.function = getattr(np, PEER_NAMES.get(name, name))
-        self.x = np.random.default_rng(20120101).uniform(low, high, LENGTH).astype(DTYPES[kind])
+        random = np.random.default_rng(20120101)
+        if kind == "ComplexReal64":
+            self.x = random.uniform(low, high, 2 * LENGTH).view(DTYPES[kind])
+        else:
+            self.x = random.uniform(low, high, LENGTH).astype(DTYPES[kind])
         self.out = np.empty_like(self.x)
         self.calls = 1
 
@@ -99,6 +103,8 @@ def build_rows(program, only):
     """Key -> (measure of the library, measure of the peer), both without arguments and in nanoseconds a call."""
     rows = {}
     for kind, name, low, high in read_cases():
+        if only_kind not in (None, kind):
+            continue
         for place in ("new", "in_place"):
             if place == "in_place" and kind != "Real64":
                 continue
@@ -159,6 +165,7 @@ def print_bars(library, peer, out):
         ("Real64 elementary, in place: median ratio", statistics.median, ratios("Real64", "in_place"), 1.6, True, ""),
         ("Real32 exp, log, sin, sqrt: worst ratio", max, ratios("Real32", "new"), 1.5, True, ""),
         ("Integer64 abs, minus, square: worst ratio", max, ratios("Integer64", "new"), 1.3, True, ""),
+        ("ComplexReal64 elementary: worst ratio", max, ratios("ComplexReal64", "new"), 0.3, True, ""),
         ("conversions that test each element: worst ratio", max, conversions(False), 2.0, True, ""),
         ("conversions that refuse nothing: worst ratio", max, conversions(True), 1.2, True, ""),
         ("exp over 10 million: 2 threads against 1", lambda v: v[0] / v[1], alone("threads/exp/1", "threads/exp/2"), 1.8, False, ""),
@@ -210,6 +217,8 @@ def main():
     parser.add_argument("--only", type=re.compile, default=re.compile(""), metavar="REGEX",
                         help="measure the rows whose name, such as convert/Real64/Integer8/Check, matches")
     options = parser.parse_args()
+    if options.only.pattern and options.save:
+        parser.error("--save needs all rows")
     if options.rounds < 1:
         parser.error("--rounds must be at least 1")
 
@@ -222,6 +231,8 @@ def main():
     print(machine(), file=out)
     print(f"{time.strftime('%Y-%m-%d')}, fastest call of {options.rounds} rounds", file=out)
     print_rows(library, peer, out)
+    if options.kind:
+        return
     all_met = print_bars(library, peer, out)
     print("\nall bars met" if all_met else "\nnot all bars met", file=out)
     out.flush()

@@ -33,9 +33,11 @@ void register_elementary() {
 #define ELEMENTARY(type, name, low, high) \
   add<type>(#type, #name, MachFunc_##name, low, high, [](long double x) { return std::name(x); });
 #define INTEGER(type, name, low, high)
+#define COMPLEX(type, name, low, high)
 #include "cases.def"
 #undef ELEMENTARY
 #undef INTEGER
+#undef COMPLEX
 }
 
 }  // namespace bench

@@ -27,9 +27,11 @@ void add(const std::string& name, int32_t number, double low, double high,
 void register_integer() {
 #define ELEMENTARY(type, name, low, high)
 #define INTEGER(type, name, low, high) add(#type "/" #name, MachFunc_##name, low, high, name);
+#define COMPLEX(type, name, low, high)
 #include "cases.def"
 #undef ELEMENTARY
 #undef INTEGER
+#undef COMPLEX
 }
 
 }  // namespace bench

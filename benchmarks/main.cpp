@@ -28,6 +28,7 @@ int main(int argc, char** argv) {
   VelorimRTL_initialize();
   bench::register_elementary();
   bench::register_integer();
+  bench::register_complex();
   bench::register_lengths();
   bench::register_threads();
   bench::register_front_ends();

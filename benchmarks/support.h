@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <complex>
 #include <cstring>
 #include <limits>
 #include <random>
@@ -29,10 +30,12 @@ template <class T> std::vector<T> uniform(mint length, double low, double high) 
   return values;
 }
 
-/// Distance in units in the last place of the expected value.
+/// Distance in units in the last place of the expected value, of complex numbers in epsilons of its magnitude.
 template <class T> double distance(T got, T expected) {
   if constexpr (std::is_integral_v<T>) {
     return got == expected ? 0.0 : std::numeric_limits<double>::infinity();
+  } else if constexpr (std::is_same_v<T, std::complex<double>>) {
+    return std::abs(got - expected) / (std::abs(expected) * std::numeric_limits<double>::epsilon());
   } else {
     if (got == expected) return 0.0;
     const T next = std::nextafter(std::abs(expected), std::numeric_limits<T>::infinity());
@@ -130,6 +133,7 @@ class thread_number {
 // Each registers the benchmarks of its file.
 void register_elementary();
 void register_integer();
+void register_complex();
 void register_lengths();
 void register_threads();
 void register_front_ends();

@@ -386,7 +386,7 @@ inline real64_halves widened(real32_lanes x) {
   return {(real64_lanes)_mm512_maskz_cvtps_pd(0xff, _mm512_maskz_extractf32x8_ps(0xff, (__m512)x, 0)),
           (real64_lanes)_mm512_maskz_cvtps_pd(0xff, _mm512_maskz_extractf32x8_ps(0xff, (__m512)x, 1))};
 #else
-  real64_halves halves;
+  real64_halves halves{};
   constexpr int half = lanes_of<real64_lanes>::count;
   for (int i = 0; i < half; ++i) {
     halves.low[i] = x[i];
@@ -401,7 +401,7 @@ inline real32_lanes narrowed(real64_lanes low, real64_lanes high) {
       0xffff, _mm512_castps256_ps512(_mm512_maskz_cvtpd_ps(0xff, (__m512d)low)),
       _mm512_maskz_cvtpd_ps(0xff, (__m512d)high), 1);
 #else
-  real32_lanes r;
+  real32_lanes r{};
   constexpr int half = lanes_of<real64_lanes>::count;
   for (int i = 0; i < half; ++i) {
     r[i] = static_cast<float>(low[i]);

@@ -71,6 +71,14 @@ inline double log2_magnitude(const complex_number& z) {
   return static_cast<double>(mpfr_get_exp(m.get()));
 }
 
+/// |x| / |y|.
+inline double ratio(const complex_number& x, const complex_number& y) {
+  number a, b;
+  mpc_abs(a.get(), x.get(), MPFR_RNDN);
+  mpc_abs(b.get(), y.get(), MPFR_RNDN);
+  return mpfr_get_d((a / b).get(), MPFR_RNDN);
+}
+
 /// |w - exact| / |exact| in units of the epsilon of T; of an exact value below the normal numbers of T against the least of them.
 template <class T> double norm_error(T re, T im, const complex_number& exact) {
   number difference, magnitude;

@@ -314,6 +314,36 @@ TEST_P(FrontEnd, NegativeDimension) {
 
 // ---- Operators.
 
+/// Complex sources: with complex, real and integer results; a refused element and all behind it keep what they held.
+TEST(Operators, ComplexSources) {
+  const vlm::test::AllocationBalance balance;
+  const array_ptr z = array_of(MNumericArrayTypeComplexReal64, {3});
+  auto* parts = static_cast<mcomplex*>(z->data);
+  parts[0] = {3, -4};
+  parts[1] = {0, 0};
+  parts[2] = {-4, 0};
+  array_ptr root = array_of(MNumericArrayTypeComplexReal64, {3});
+  const array_ptr size = reals({9, 9, 9}), whole = integers({9, 9, 9});
+  EXPECT_EQ(-2, TensorOp1(z.get(), root.get(), MachFunc_sqrt, fp));
+  const auto* roots = static_cast<const mcomplex*>(root->data);
+  EXPECT_EQ(2, roots[0].re);
+  EXPECT_EQ(-1, roots[0].im);
+  EXPECT_EQ(0, roots[2].re);
+  EXPECT_EQ(2, roots[2].im);
+  EXPECT_EQ(-2, TensorOp1(z.get(), size.get(), MachFunc_abs, fp));
+  EXPECT_EQ((std::vector<mreal>{5, 0, 4}), real_elements(size.get()));
+  EXPECT_EQ(-2, TensorOp1(z.get(), whole.get(), MachFunc_unitize, integer));
+  EXPECT_EQ((std::vector<mint>{1, 0, 1}), integer_elements(whole.get()));
+  EXPECT_EQ(-1, TensorOp1(z.get(), root.get(), MachFunc_cbrt, 0));
+  // Apart the run is judged as a whole; in place the position is exact, and checked parts stay.
+  EXPECT_EQ(0, TensorOp1(z.get(), root.get(), MachFunc_recip, fp));
+  EXPECT_EQ(1, TensorOp1(z.get(), z.get(), MachFunc_recip, fp));
+  EXPECT_EQ(0.12, parts[0].re);
+  EXPECT_EQ(0.16, parts[0].im);
+  EXPECT_EQ(0, parts[1].re);
+  EXPECT_EQ(-4, parts[2].re);
+}
+
 TEST(Operators, OutcomesByTypes) {
   const vlm::test::AllocationBalance balance;
   const array_ptr real = reals({1, -4, 9}), real_result = reals({0, 0, 0});

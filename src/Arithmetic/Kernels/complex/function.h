@@ -113,7 +113,8 @@ template <class V> inline void pin(V& x) { fp::pin(x); }
 template <class Form> struct function {
   using form = Form;
 
-  template <class T> auto operator()(parts<T> z) const {
+  /// Not inlined, so that there is one copy of it: another could choose another one of two NaN operands for its result.
+  template <class T> [[gnu::noinline]] auto operator()(parts<T> z) const {
     using V = lanes_for<Form, T>;
     if constexpr (is_arithmetic<Form>) {
       pin(z);

@@ -84,12 +84,15 @@ struct tanh {
 
 using sin = circular<sinh>;
 using tan = circular<tanh>;
-/// cosh of i z.
-struct cos {
-  template <class T> static lane_set ordinary(parts<lanes> z) { return cosh::ordinary<T>(turned(z)); }
-  static parts<lanes> body(parts<lanes> z) { return cosh::body(turned(z)); }
-  template <class T> static parts<T> outside(parts<T> z) { return cosh::outside(turned(z)); }
+/// An even function of i z.
+template <class Hyperbolic> struct even_circular {
+  template <class T> static lane_set ordinary(parts<lanes> z) {
+    return Hyperbolic::template ordinary<T>(turned(z));
+  }
+  static parts<lanes> body(parts<lanes> z) { return Hyperbolic::body(turned(z)); }
+  template <class T> static parts<T> outside(parts<T> z) { return Hyperbolic::outside(turned(z)); }
 };
+using cos = even_circular<cosh>;
 
 /// 1 / f(z), where f(z), which grows with one part of z, is within the bounds of a quotient.
 template <class F, bool of_imaginary> struct reciprocal {
@@ -103,21 +106,37 @@ template <class F, bool of_imaginary> struct reciprocal {
     return function<recip>{}(f(z));
   }
 };
-using cot = reciprocal<tan, true>;
 using coth = reciprocal<tanh, false>;
+using cot = reciprocal<tan, true>;
 
-/// The same with a limit, beyond which the result is zero.
-template <class F, bool of_imaginary> struct vanishing_reciprocal : reciprocal<F, of_imaginary> {
+/// Of sinh and cosh where they are about to overflow 2 e^-|x| e^-iy or its mirror image, and zero beyond a limit.
+template <class F, bool is_sinh> struct vanishing_reciprocal : reciprocal<F, false> {
   template <class T> static parts<T> outside(parts<T> z) {
     constexpr T limit = by_type<T>(710.8224336642239, 89.76256);
-    if (std::fabs(of_imaginary ? z.im : z.re) > limit) return {0, 0};
-    return reciprocal<F, of_imaginary>::outside(z);
+    const T a = std::fabs(z.re);
+    if (a > limit) return {0, 0};
+    if (!(a > static_cast<T>(most_hyperbolic<T>))) return reciprocal<F, false>::outside(z);
+    const T size = 2 * std::exp(-a), left = std::copysign(T{1}, z.re);
+    const T c = size * std::cos(z.im), s = size * std::sin(z.im);
+    return is_sinh ? parts<T>{left * c, -s} : parts<T>{c, -left * s};
   }
 };
-using csc = vanishing_reciprocal<sin, true>;
-using sec = vanishing_reciprocal<cos, true>;
-using csch = vanishing_reciprocal<sinh, false>;
+using csch = vanishing_reciprocal<sinh, true>;
 using sech = vanishing_reciprocal<cosh, false>;
+
+/// Those two of i z, where that decides.
+struct csc : reciprocal<sin, true> {
+  template <class T> static parts<T> outside(parts<T> z) {
+    const bool about_to_overflow = std::fabs(z.im) > static_cast<T>(most_hyperbolic<T>);
+    return about_to_overflow ? turned(csch::outside(turned(z))) : reciprocal<sin, true>::outside(z);
+  }
+};
+struct sec : reciprocal<cos, true> {
+  template <class T> static parts<T> outside(parts<T> z) {
+    const bool about_to_overflow = std::fabs(z.im) > static_cast<T>(most_hyperbolic<T>);
+    return about_to_overflow ? sech::outside(turned(z)) : reciprocal<cos, true>::outside(z);
+  }
+};
 
 }  // namespace form
 

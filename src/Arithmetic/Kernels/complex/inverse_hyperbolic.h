@@ -51,7 +51,7 @@ template <class T> struct arc_bounds {
 };
 
 template <class T> struct arc_terms {
-  T a, b, ap, am, yy, r, s, A, B;
+  T a, b, ap, am, yy, r, s, mean, ratio;  // the paper's A and B are mean and ratio
   arc_terms(T a_of, T b_of)
       : a(a_of),
         b(b_of),
@@ -60,20 +60,19 @@ template <class T> struct arc_terms {
         yy(b * b),
         r(std::sqrt(yy + ap * ap)),
         s(std::sqrt(yy + am * am)),
-        A((r + s) / 2),
-        B(a / A) {}
+        mean((r + s) / 2),
+        ratio(a / mean) {}
   T cotangent() const {
-    const T h = (a + A) / 2;
+    const T h = (a + mean) / 2;
     return a > 1 ? b * std::sqrt(h / (r + ap) + h / (s + am)) : std::sqrt(h * (yy / (r + ap) + (s - am)));
   }
   T imaginary() const {
-    if (A > arc_bounds<T>::crossover_a) return std::log(A + std::sqrt(A * A - 1));
+    if (mean > arc_bounds<T>::crossover_a) return std::log(mean + std::sqrt(mean * mean - 1));
     const T m = a < 1 ? yy / (r + ap) + yy / (s - am) : am + s + yy / (r + ap);
-    return std::log1p(m / 2 + std::sqrt((A + 1) * m / 2));
+    return std::log1p(m / 2 + std::sqrt((mean + 1) * m / 2));
   }
 };
 
-/// log(2 b) with b above a, and half log(1 + (a / b)^2).
 template <class T> inline T log_of_twice(T b) { return std::log(b) + ln2<T>; }
 
 }  // namespace detail
@@ -100,7 +99,7 @@ struct asin {
     parts<T> w;
     if (bounds::safe(a, b)) {
       const detail::arc_terms<T> t(a, b);
-      w = {t.B > bounds::crossover_b ? std::atan(a / t.cotangent()) : std::asin(t.B), t.imaginary()};
+      w = {t.ratio > bounds::crossover_b ? std::atan(a / t.cotangent()) : std::asin(t.ratio), t.imaginary()};
     } else {
       w = at_edges(a, b);
     }
@@ -145,7 +144,7 @@ struct acos {
     parts<T> w;
     if (bounds::safe(a, b)) {
       const detail::arc_terms<T> t(a, b);
-      w = {t.B > bounds::crossover_b ? std::atan(t.cotangent() / a) : std::acos(t.B), t.imaginary()};
+      w = {t.ratio > bounds::crossover_b ? std::atan(t.cotangent() / a) : std::acos(t.ratio), t.imaginary()};
     } else {
       w = at_edges(a, b);
     }
@@ -193,19 +192,19 @@ struct atanh {
       if (!(a > 1)) return {std::atanh(z.re), 0};
       return {std::atanh(1 / z.re), z.re > 0 ? -half_pi<T> : half_pi<T>};
     }
-    const T less = 1 - a, yy = b * b;
+    const T less = 1 - a;
     T l, angle;
     if (a > least && a < most && b > least && b < most) {
-      l = std::log1p(4 * a / (yy + less * less));
-      angle = std::atan2(2 * b, less * (1 + a) - yy);
+      l = std::log1p(4 * a / (b * b + less * less));
+      angle = std::atan2(2 * b, less * (1 + a) - b * b);
     } else if (a >= most) {
       const T t = b >= most ? 4 / b / (a / b + b / a) : b > 1 ? 4 / (a + b * (b / a)) : 4 / a;
       l = std::log1p(t);
       angle = pi<T>;
     } else if (b < most) {
       l = a == 1 ? (std::log(b) - ln2<T>)*-2
-                 : std::log1p(4 * a / (b > least ? yy + less * less : less * less));
-      angle = std::atan2(2 * b, a > least ? less * (1 + a) : b > least ? 1 - yy : T{1});
+                 : std::log1p(4 * a / (b > least ? b * b + less * less : less * less));
+      angle = std::atan2(2 * b, a > least ? less * (1 + a) : b > least ? 1 - b * b : T{1});
     } else {
       l = a > 1 ? std::log1p(4 * a / b / (b + less * (less / b))) : 4 * (a / b) / b;
       angle = pi<T>;

@@ -53,6 +53,11 @@ template <bool lucas> struct additive_sequence {
   }
 };
 
+/// The Gudermannian and its inverse outside their bodies near the real axis, where the first term of the series in y is all of it,
+/// and near zero, where z is.
+template <class T> inline constexpr T least_body_part = by_type<T>(0x1p-300, 0x1p-60);
+template <class T> inline constexpr T own_image = by_type<T>(0x1p-27, 0x1p-13);
+
 /// 2 atan(tanh(z / 2)) off the imaginary axis, on which its cuts lie; there, and for large arguments, from the exponential.
 struct gudermannian {
   template <class T> static lane_set ordinary(parts<lanes> z) {
@@ -61,6 +66,11 @@ struct gudermannian {
   }
   static parts<lanes> body(parts<lanes> z) { return scaled(atan::body(tanh::body(scaled(z, 0.5))), 2); }
   template <class T> static parts<T> outside(parts<T> z) {
+    if (const T x = std::fabs(z.re), y = std::fabs(z.im); x > 0 && x < 2 && y < least_body_part<T>) {
+      return {2 * std::atan(std::tanh(z.re / 2)), z.im / std::cosh(z.re)};
+    } else if (x > 0 && x < own_image<T> && y < own_image<T>) {
+      return z;
+    }
     if (z.re < 0) return of_exponential(complex::exp(z));
     if (z.re > 0) return -of_exponential(complex::exp(-z));
     const bool turned_over = z.im > 0;
@@ -96,8 +106,10 @@ struct inversegudermannian {
   static parts<lanes> body(parts<lanes> z) { return scaled(atanh::body(tan::body(scaled(z, 0.5))), 2); }
   template <class T> static parts<T> outside(parts<T> z) {
     if (z.re == 0 && z.im == 0) return z;
-    const T x = z.re / 2;
-    if (z.im == 0 && std::fabs(x) < T(0.75)) return {2 * std::atanh(std::tan(x)), 0};
+    const T x = z.re / 2, y = std::fabs(z.im);
+    if (std::fabs(x) < T(0.75) && y < least_body_part<T>)
+      return {2 * std::atanh(std::tan(x)), y == 0 ? T{0} : z.im / std::cos(z.re)};
+    if (std::fabs(z.re) < own_image<T> && y < own_image<T>) return z;
     return complex::log(complex::tan(parts<T>{x + quarter_pi<T>, z.im / 2}));
   }
 };
