@@ -68,6 +68,11 @@ template <class R, class T, fraction Fraction, bool Clip> struct real_to_integer
     if constexpr (!Clip) accepted &= in_range<T, R>(r);
     return accepted;
   }
+  /// Whole numbers.
+  static bool plainly_accepts(R source) requires(Fraction == fraction::tested) {
+    const number x = as_number(source);
+    return (x == whole(x)) & (Clip || in_range<T, R>(x));
+  }
   static T value(R source) {
     const number x = as_number(source);
     // Both tests refuse a NaN, and what passes the first is whole.
@@ -155,6 +160,11 @@ template <class S, class T, narrowing How, bool Clip> struct real_narrowed {
     } else {
       return finite_or_clipped;
     }
+  }
+  /// Numbers that are kept.
+  static bool plainly_accepts(S source) requires(How == narrowing::tested) {
+    const number x = as_number(source);
+    return (Clip || finite(x)) & (static_cast<number>(nearest_number<T>(clipped(x))) == x);
   }
   static T value(S source) {
     const T y = to_element<T>(clipped(as_number(source)));
