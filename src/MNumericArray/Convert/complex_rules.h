@@ -59,7 +59,10 @@ template <class Rule, class S, class T> struct of_real_part {
 /// Both parts by themselves. An element whose result is stored before it is tested is stored whole.
 template <class Rule, class S, class T> struct of_both_parts : Rule {
   using Rule::Rule;
-  bool accepts(S z) const { return Rule::accepts(z.re) & Rule::accepts(z.im); }
+  bool accepts(S z) const {
+    const bool re = Rule::accepts(z.re), im = Rule::accepts(z.im);
+    return re & im;
+  }
   bool plainly_accepts(S z) const requires requires { Rule::plainly_accepts(z.re); }
   { return Rule::plainly_accepts(z.re) & Rule::plainly_accepts(z.im); }
   T value(S z) const { return {Rule::value(z.re), Rule::value(z.im)}; }
