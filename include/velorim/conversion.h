@@ -8,6 +8,8 @@
  *    Coerce  3, 4   the value must nearly survive: tolerance 1       Cast   9, 10  like Check, but never from a real to an integer
  *    Round   5, 6   reals are rounded to whole numbers: tolerance 1
  *
+ *  The tolerance is taken in the type of the source (as the nearest Real32 or Real16 of it).
+ *
  *  A base method for each class of pair. "Refused" is status 1305. T is the target type, lo and hi its limits, M the largest finite
  *  number of a real T; D the significand bits of a real or complex type (Real16 11, Real32 24, Real64 53); rint rounds to the nearest
  *  integer in the rounding mode of the thread; "matches" is the tolerance test below in the arithmetic of the source's type.

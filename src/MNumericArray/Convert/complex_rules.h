@@ -35,6 +35,17 @@ template <class Rule, class S, class T> struct of_real_part {
       return rule_.accepts(z.re);
     }
   }
+  /// Imaginary part 0.
+  bool plainly_accepts(S z) const {
+    const bool real = (z.im == 0) & !negative_;
+    if constexpr (Rule::never_refuses) {
+      return real;
+    } else if constexpr (requires { rule_.plainly_accepts(z.re); }) {
+      return real & rule_.plainly_accepts(z.re);
+    } else {
+      return real & rule_.accepts(z.re);
+    }
+  }
   T value(S z) const { return rule_.value(z.re); }
   bool stores_refused(S z) const requires requires { Rule::stores_refused(z.re); }
   { return !negative_ && test_.negligible(z.re, z.im) && Rule::stores_refused(z.re); }
@@ -48,7 +59,12 @@ template <class Rule, class S, class T> struct of_real_part {
 /// Both parts by themselves. An element whose result is stored before it is tested is stored whole.
 template <class Rule, class S, class T> struct of_both_parts : Rule {
   using Rule::Rule;
-  bool accepts(S z) const { return Rule::accepts(z.re) & Rule::accepts(z.im); }
+  bool accepts(S z) const {
+    const bool re = Rule::accepts(z.re), im = Rule::accepts(z.im);
+    return re & im;
+  }
+  bool plainly_accepts(S z) const requires requires { Rule::plainly_accepts(z.re); }
+  { return Rule::plainly_accepts(z.re) & Rule::plainly_accepts(z.im); }
   T value(S z) const { return {Rule::value(z.re), Rule::value(z.im)}; }
   bool stores_refused(S z) const requires requires { Rule::stores_refused(z.re); }
   { return Rule::stores_refused(z.re) && Rule::stores_refused(z.im); }

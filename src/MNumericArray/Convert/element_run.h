@@ -24,15 +24,24 @@ using element_run = outcome(const MNumericArrayConvertData& record, void* target
 /// Elements of a block.
 inline constexpr mint block_length = machine_function::block_length;
 
-template <class Rule, class S> bool any_refused(const Rule& rule, const S* source, mint n) {
+/// Whether the predicate, which has no branches, holds for all of the elements.
+template <class S, class Predicate> bool holds_for_all(const S* source, mint n, Predicate&& predicate) {
   // Marks as wide as the numbers compared, so that the loop need not change the width of its registers.
   using mark = std::conditional_t<
       sizeof(S) == 1, uint8_t,
       std::conditional_t<sizeof(S) == 2, uint16_t, std::conditional_t<sizeof(S) == 4, uint32_t, uint64_t>>>;
   constexpr mark yes = static_cast<mark>(~mark{0});
-  mark accepted = yes;
-  for (mint i = 0; i < n; ++i) accepted &= rule.accepts(source[i]) ? yes : mark{0};
-  return accepted != yes;
+  mark all = yes;
+  for (mint i = 0; i < n; ++i) all &= predicate(source[i]) ? yes : mark{0};
+  return all == yes;
+}
+
+/// A rule whose test is dear tells which elements pass it plainly; most blocks have no others.
+template <class Rule, class S> bool any_refused(const Rule& rule, const S* source, mint n) {
+  if constexpr (requires { rule.plainly_accepts(*source); }) {
+    if (holds_for_all(source, n, [&](S x) { return rule.plainly_accepts(x); })) return false;
+  }
+  return !holds_for_all(source, n, [&](S x) { return rule.accepts(x); });
 }
 
 template <class Rule, class S, class T>

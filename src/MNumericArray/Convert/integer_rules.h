@@ -2,6 +2,7 @@
 //
 //   accepts(x)          whether x can be converted: without branches, so that a loop over it fills registers;
 //   value(x)            the result for an accepted x;
+//   plainly_accepts(x)  less than accepts(x), for less work; only in rules with a dear test;
 //   never_refuses       true if every x is accepted;
 //   stores_refused(x)   whether the result is stored although x is refused; only in rules that test the result.
 #pragma once

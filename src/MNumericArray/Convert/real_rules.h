@@ -68,6 +68,12 @@ template <class R, class T, fraction Fraction, bool Clip> struct real_to_integer
     if constexpr (!Clip) accepted &= in_range<T, R>(r);
     return accepted;
   }
+  /// Whole numbers.
+  static bool plainly_accepts(R source) requires(Fraction == fraction::tested) {
+    const number x = as_number(source);
+    const bool is_whole = x == whole(x), inside = Clip || in_range<T, R>(x);
+    return is_whole & inside;
+  }
   static T value(R source) {
     const number x = as_number(source);
     // Both tests refuse a NaN, and what passes the first is whole.
@@ -118,7 +124,9 @@ template <class S, class T, bool Rounded> struct real_widened {
   static constexpr bool never_refuses = true;
   explicit real_widened(const convert_data&) {}
   static T value(S source) {
-    if constexpr (!Rounded) {
+    if constexpr (!Rounded && std::is_same_v<S, T>) {
+      return source;
+    } else if constexpr (!Rounded) {
       return static_cast<T>(as_number(source));
     } else if constexpr (std::is_same_v<S, T> && std::is_same_v<S, real16>) {
       return rint(source);
@@ -155,6 +163,12 @@ template <class S, class T, narrowing How, bool Clip> struct real_narrowed {
     } else {
       return finite_or_clipped;
     }
+  }
+  /// Numbers that are kept.
+  static bool plainly_accepts(S source) requires(How == narrowing::tested) {
+    const number x = as_number(source);
+    const bool inside = Clip || finite(x), kept = static_cast<number>(nearest_number<T>(clipped(x))) == x;
+    return inside & kept;
   }
   static T value(S source) {
     const T y = to_element<T>(clipped(as_number(source)));
