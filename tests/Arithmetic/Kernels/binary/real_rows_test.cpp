@@ -57,6 +57,37 @@ TEST(RealPow, IsWithinOneUnitInTheLastPlace) {
   EXPECT_LE(worst32, 1.0);
 }
 
+template <class T>
+double worst_error(int32_t number, double span,
+                   oracle::number (*exact)(const oracle::number&, const oracle::number&)) {
+  std::mt19937_64 engine(11);
+  std::uniform_real_distribution<double> unit(-1, 1);
+  double worst = 0;
+  for (int i = 0; i < 20000; ++i) {
+    const auto x = static_cast<T>(std::exp(span * unit(engine))),
+               y = static_cast<T>(std::exp(span * unit(engine)));
+    const auto got = call<T>(number, x, y, fp);
+    if (!got || x == 1) continue;
+    worst = std::max(worst, oracle::ulp_error(*got, exact(oracle::number(static_cast<double>(x)),
+                                                          oracle::number(static_cast<double>(y)))));
+  }
+  return worst;
+}
+
+TEST(RealLogarithm, AndTheAngleAreWithinTheirBounds) {
+  const auto logarithm = [](const oracle::number& base, const oracle::number& x) {
+    return oracle::apply(mpfr_log, x) / oracle::apply(mpfr_log, base);
+  };
+  const auto angle = [](const oracle::number& x, const oracle::number& y) {
+    return oracle::apply(mpfr_atan2, y, x);
+  };
+  EXPECT_LE((worst_error<double>(264, 600, logarithm)), 2.5);
+  EXPECT_LE((worst_error<double>(264, 0.1, logarithm)), 2.5);
+  EXPECT_LE((worst_error<float>(264, 80, logarithm)), 2.5);
+  EXPECT_LE((worst_error<double>(265, 20, angle)), 1.0);
+  EXPECT_LE((worst_error<float>(265, 20, angle)), 1.0);
+}
+
 /// By the scheme that the interface states, written out once more: two bits of the exponent at a time from 9 on.
 double stated_power(double x, mint y) {
   const uint64_t e = y < 0 ? 0 - static_cast<uint64_t>(y) : static_cast<uint64_t>(y);
