@@ -498,6 +498,48 @@ struct two_argument_power {
 };
 inline constexpr two_argument_power pow;
 
+/// The angle of (x, y), within 1.0 ulp, signs of zeros as in C.
+struct angle_of_point {
+  template <class V> static V body(V y, V x) {
+    if constexpr (is_register<V> && std::is_same_v<number_of<V>, float>) {
+      const real64_halves a = widened(y), b = widened(x);
+      return narrowed(body(a.low, b.low), body(a.high, b.high));
+    } else if constexpr (std::is_same_v<V, float>) {
+      return static_cast<float>(body(static_cast<double>(y), static_cast<double>(x)));
+    } else {
+      return elementary::atan2(y, x);
+    }
+  }
+  /// The lanes whose coordinates are 0, but not both, or of a size that neither the quotient nor its parts leave.
+  template <class V> static lane_set ordinary(V y, V x) {
+    using T = number_of<V>;
+    constexpr T small = std::is_same_v<T, double> ? T(0x1p-400) : T(0x1p-60f), great = 1 / small;
+    if constexpr (is_register<V>) {
+      const auto sized = [](V v) {
+        return lanes_between(magnitude(v), broadcast<V>(small), broadcast<V>(great));
+      };
+      const lane_set y_sized = sized(y), x_sized = sized(x);
+      return (y_sized & x_sized) | (y_sized & set_lanes(x == V{})) | (x_sized & set_lanes(y == V{}));
+    } else {
+      const auto sized = [](T v) { return in_range<T>({small, great, true}, v); };
+      return (sized(y) && (sized(x) || x == 0)) || (sized(x) && y == 0) ? 1 : 0;
+    }
+  }
+  template <class T> T operator()(T y, T x) const {
+    if (ordinary(y, x) == 0) {
+      using wider = std::conditional_t<std::is_same_v<T, float>, double, T>;
+      return static_cast<T>(std::atan2(static_cast<wider>(y), static_cast<wider>(x)));
+    }
+    const fp::quiet_section quiet;
+    fp::pin(x);
+    fp::pin(y);
+    T angle = body(y, x);
+    fp::pin(angle);
+    return angle;
+  }
+};
+inline constexpr angle_of_point atan2;
+
 /// b^x for a fixed base above 1.
 template <class T> inline T power(T base, T x) { return std::pow(base, x); }
 

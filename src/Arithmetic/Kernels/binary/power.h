@@ -208,7 +208,9 @@ struct Atan2 {
   static constexpr char return_range[] = "-RCRRCCCC";
   static constexpr mixed widens = mixed::all;
   struct on_reals : checked {
-    template <class T> static T value(T x, T y) { return std::atan2(y, x); }
+    template <class T> static T value(T x, T y) { return vm::atan2(y, x); }
+    template <class V> static V body(V x, V y) { return vm::atan2.body(y, x); }
+    template <class V> static lane_set ordinary(V x, V y) { return vm::atan2.ordinary(y, x); }
   };
   /// -i log((x + i y) / sqrt(x^2 + y^2)); real on the axes.
   struct on_complexes : checked {
