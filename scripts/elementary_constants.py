@@ -65,7 +65,7 @@ table("centred_power_less_one", [float(t - 1) for t in signed_powers], "... and 
 p = series(lambda i: mp.mpf(-1) ** i / (i + 3), 80)
 table("log_polynomial", interpolate(p, mp.mpf("-0.0327"), mp.mpf("0.0327"), 8),
       "log(1 + r) = r - r^2/2 + r^3 p(r), |r| <= 0.0327.")
-table("log_polynomial_for_pow", interpolate(p, mp.mpf("-0.0327"), mp.mpf("0.0327"), 12),
+table("log_polynomial_for_pow", interpolate(p, mp.mpf("-0.0327"), mp.mpf("0.0327"), 11),
       "... to 66 bits of the logarithm.")
 p = series(lambda i: mp.mpf(-1) ** (i + 1) / (i + 2), 80)
 table("real32_log_polynomial", interpolate(p, mp.mpf("-0.0327"), mp.mpf("0.0327"), 5),

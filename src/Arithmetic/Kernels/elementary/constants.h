@@ -51,10 +51,10 @@ alignas(64) inline constexpr std::array<double, 8> log_polynomial = {
      0x1.249237acf141ep-3, -0x1.ffffdff9d7098p-4, 0x1.c7e88f053a693p-4, -0x1.9a54b52e1fc99p-4}};
 
 /// ... to 66 bits of the logarithm.
-alignas(64) inline constexpr std::array<double, 12> log_polynomial_for_pow = {
-    {0x1.5555555555555p-2, -0x1.0000000000000p-2, 0x1.999999999999ap-3, -0x1.5555555555555p-3,
-     0x1.2492492491f87p-3, -0x1.ffffffffff68ap-4, 0x1.c71c71d0f04e7p-4, -0x1.999999a2d0442p-4,
-     0x1.745cd20d895aep-4, -0x1.5555147047f13p-4, 0x1.3bf45600d6a58p-4, -0x1.2564e452fcb13p-4}};
+alignas(64) inline constexpr std::array<double, 11> log_polynomial_for_pow = {
+    {0x1.5555555555555p-2, -0x1.0000000000000p-2, 0x1.999999999999ap-3, -0x1.5555555555281p-3,
+     0x1.24924924921eep-3, -0x1.000000039e699p-3, 0x1.c71c71cdddc85p-4, -0x1.99995d2e430dap-4,
+     0x1.745cdee15f947p-4, -0x1.5631efb8264e7p-4, 0x1.3be197622e6a7p-4}};
 
 /// log(1 + r) = r + r^2 p(r), |r| <= 0.0327, to 35 bits.
 alignas(64) inline constexpr std::array<double, 5> real32_log_polynomial = {
