@@ -266,6 +266,8 @@ inline real32_lanes square_root(real32_lanes x) {
 }
 
 /// x without its fraction, toward zero.
+inline double truncated(double x) { return std::trunc(x); }
+inline float truncated(float x) { return std::trunc(x); }
 inline real64_lanes truncated(real64_lanes x) {
 #if defined(VELORIM_LANES_AVX512)
   return (real64_lanes)_mm512_maskz_roundscale_pd(0xff, (__m512d)x, _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC);

@@ -18,6 +18,7 @@
 
 #include "Arithmetic/Kernels/complex/form_values.h"
 #include "Arithmetic/Kernels/definition.h"
+#include "Arithmetic/Kernels/lane_access.h"
 #include "Includes/fp_environment.h"
 #include "Includes/vlm_fp_exception.h"
 
@@ -94,7 +95,7 @@ inline constexpr bool checks_result = (is_real_element<T> || is_complex_element<
 template <class F, class T> inline result_of<F, T> value_of(T x) {
   using C = class_of<F, T>;
   if constexpr (is_complex_element<T>) {
-    return complex::element_of(C::value(complex::parts_of(x)));
+    return element_from(C::value(number_from(x)));
   } else if constexpr (!std::is_same_v<T, real16>) {
     return C::value(x);
   } else if constexpr (gives_mint<F, T>) {
@@ -114,7 +115,7 @@ template <class F, class T> inline VelorimError argument_failure(T x) {
   if constexpr (std::is_same_v<T, real16>) {
     return C::failure(to_double(x));
   } else if constexpr (is_complex_element<T>) {
-    return C::failure(complex::parts_of(x));
+    return C::failure(number_from(x));
   } else {
     return C::failure(x);
   }
@@ -142,8 +143,8 @@ template <class T> inline VelorimError result_failure(T y) {
 /// Arguments whose result a class leaves unchecked.
 template <class C, class T> inline bool is_unchecked(T x) {
   if constexpr (is_complex_element<T>) {
-    if constexpr (requires { C::form::unchecked(complex::parts_of(x)); }) {
-      return C::form::unchecked(complex::parts_of(x));
+    if constexpr (requires { C::form::unchecked(number_from(x)); }) {
+      return C::form::unchecked(number_from(x));
     }
   }
   return false;

@@ -7,7 +7,7 @@
 #include <cstring>
 #include <optional>
 
-#include "Arithmetic/Kernels/binary/lane_access.h"
+#include "Arithmetic/Kernels/lane_access.h"
 #include "Arithmetic/Kernels/runs.h"
 #include "Arithmetic/Kernels/ternary.h"
 #include "velorim/machine_functions.h"

@@ -457,20 +457,8 @@ template <class T> inline T erfc(T x) {
 /// x^y, within 1.0 ulp. Its ordinary arguments are judged with the result: body holds where settled vouches for it.
 struct two_argument_power {
   template <class V> static V body(V x, V y) {
-    if constexpr (is_register<V> && std::is_same_v<number_of<V>, float>) {
-      const real64_halves a = widened(x), b = widened(y);
-      return narrowed(body(a.low, b.low), body(a.high, b.high));
-    } else if constexpr (std::is_same_v<V, float>) {
-      return static_cast<float>(body(static_cast<double>(x), static_cast<double>(y)));
-    } else if constexpr (has_fused_multiply_add) {
-      return elementary::pow(x, y);
-    } else if constexpr (is_register<V>) {
-      // SLEEF's form is not told to be good where the result leaves the range.
-      const V power = (V)Sleef_cinz_powd2_u10sse2((__m128d)x, (__m128d)y);
-      return power;
-    } else {
-      return Sleef_cinz_powd1_u10purec(x, y);
-    }
+    const V power = of_magnitude(magnitude(x), y);
+    return any(x < V{}) ? signed_power(x, y, power) : power;
   }
   /// The lanes of a normal base and a result well inside the range.
   template <class V> static lane_set settled(V x, V, V result) {
@@ -478,10 +466,10 @@ struct two_argument_power {
     constexpr T least = std::numeric_limits<T>::min(), most = std::numeric_limits<T>::max();
     constexpr T small = std::is_same_v<T, double> ? T(0x1p-1000) : T(0x1p-120f), great = 1 / small;
     if constexpr (is_register<V>) {
-      return lanes_between(x, broadcast<V>(least), broadcast<V>(most)) &
-             lanes_between(result, broadcast<V>(small), broadcast<V>(great));
+      return lanes_between(magnitude(x), broadcast<V>(least), broadcast<V>(most)) &
+             lanes_between(magnitude(result), broadcast<V>(small), broadcast<V>(great));
     } else {
-      return in_range<T>({least, most, false}, x) && in_range<T>({small, great, false}, result) ? 1 : 0;
+      return in_range<T>({least, most, true}, x) && in_range<T>({small, great, true}, result) ? 1 : 0;
     }
   }
   template <class T> T operator()(T x, T y) const {
@@ -494,6 +482,32 @@ struct two_argument_power {
       if (settled(x, y, power) != 0) return power;
     }
     return std::pow(x, y);
+  }
+
+ private:
+  static bool any(bool mask) { return mask; }
+  template <class Mask> static bool any(Mask mask) { return set_lanes(mask) != 0; }
+
+  template <class V> static V of_magnitude(V x, V y) {
+    if constexpr (is_register<V> && std::is_same_v<number_of<V>, float>) {
+      const real64_halves a = widened(x), b = widened(y);
+      return narrowed(of_magnitude(a.low, b.low), of_magnitude(a.high, b.high));
+    } else if constexpr (std::is_same_v<V, float>) {
+      return static_cast<float>(of_magnitude(static_cast<double>(x), static_cast<double>(y)));
+    } else if constexpr (has_fused_multiply_add) {
+      return elementary::pow(x, y);
+    } else if constexpr (is_register<V>) {
+      return (V)Sleef_cinz_powd2_u10sse2((__m128d)x, (__m128d)y);
+    } else {
+      return Sleef_cinz_powd1_u10purec(x, y);
+    }
+  }
+  /// A negative base has an odd power below zero, an even one above it, and no other real one.
+  template <class V> static V signed_power(V x, V y, V power) {
+    const V half = y * broadcast<V>(number_of<V>(0.5));
+    const V with_sign = select(truncated(half) != half, -power, power);
+    const V none = broadcast<V>(std::numeric_limits<number_of<V>>::quiet_NaN());
+    return select(x < V{}, select(truncated(y) == y, with_sign, none), power);
   }
 };
 inline constexpr two_argument_power pow;

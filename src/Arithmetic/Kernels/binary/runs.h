@@ -15,7 +15,7 @@
 #include <type_traits>
 
 #include "Arithmetic/Kernels/binary/definition.h"
-#include "Arithmetic/Kernels/binary/lane_access.h"
+#include "Arithmetic/Kernels/lane_access.h"
 #include "Arithmetic/Kernels/runs.h"
 #include "Includes/fp_environment.h"
 #include "Includes/vlm_fp_exception.h"

@@ -35,13 +35,6 @@ namespace vlm::complex {
 
 using lanes = real64_lanes;
 
-/// Elements and parts.
-inline parts<double> parts_of(mcomplex z) { return {z.re, z.im}; }
-inline parts<float> parts_of(complex_real32 z) { return {z.re, z.im}; }
-inline mcomplex element_of(parts<double> z) { return {z.re, z.im}; }
-inline complex_real32 element_of(parts<float> z) { return {z.re, z.im}; }
-template <class T> inline T element_of(T x) { return x; }
-
 template <class Form> inline constexpr bool in_own_type = requires { Form::in_own_type; };
 template <class Form> inline constexpr bool is_arithmetic = requires { Form::arithmetic; };
 

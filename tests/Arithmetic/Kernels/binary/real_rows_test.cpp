@@ -53,8 +53,18 @@ TEST(RealPow, IsWithinOneUnitInTheLastPlace) {
     const auto y32 = static_cast<float>(80 * unit(engine) / std::log(static_cast<double>(x32)));
     if (std::isfinite(y32) && y32 != 0) worst32 = std::max(worst32, pow_error(x32, y32));
   }
+  for (int i = 0; i < 3000; ++i) {  // negative bases, whole exponents
+    const double x = -std::exp(3 * unit(engine)), y = std::round(30 * unit(engine));
+    worst64 = std::max(worst64, pow_error(x, y));
+    worst32 = std::max(worst32, pow_error(static_cast<float>(x), static_cast<float>(y)));
+  }
   EXPECT_LE(worst64, 1.0);
   EXPECT_LE(worst32, 1.0);
+  EXPECT_EQ(real(263, -8.0, 1.0 / 3), std::nullopt);
+  EXPECT_GT(*real(263, -0x1.0000000000001p0, 0x1p53 + 2), 1.2);
+  EXPECT_LT(*real(263, -0x1.0000000000001p0, 0x1p50 + 1), -1.2);
+  EXPECT_EQ(real(263, -2.0, 0.0), 1.0);
+  EXPECT_EQ(real(263, 0.0, 0.5), 0.0);
 }
 
 template <class T>

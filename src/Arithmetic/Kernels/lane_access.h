@@ -2,6 +2,9 @@
 // the number that kernels compute with: complex::parts for a complex element.
 #pragma once
 
+#include <concepts>
+#include <cstring>
+
 #include "Arithmetic/Kernels/complex/arithmetic.h"
 #include "Includes/element_types.h"
 #include "Includes/lanes.h"
