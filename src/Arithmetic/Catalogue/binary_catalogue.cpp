@@ -35,13 +35,22 @@ constexpr number_table functions =
     make_table<binary::arithmetic_functions, binary::division_functions, binary::power_functions,
                binary::integer_functions, binary::step_functions>();
 
-constexpr bool complete(const number_table& table) {
-  for (const auto* f : table) {
-    if (f == nullptr) return false;
+/// How many functions have each number; exactly one is right.
+using number_counts = std::array<int32_t, number_count>;
+template <template <class...> class List, class... F>
+constexpr void count(number_counts& counts, List<F...>*) {
+  (++counts[F::number - first_binary_number], ...);
+}
+template <class... Lists> constexpr bool complete() {
+  number_counts counts{};
+  (count(counts, static_cast<Lists*>(nullptr)), ...);
+  for (const int32_t n : counts) {
+    if (n != 1) return false;
   }
   return true;
 }
-static_assert(complete(functions));
+static_assert(complete<binary::arithmetic_functions, binary::division_functions, binary::power_functions,
+                       binary::integer_functions, binary::step_functions>());
 
 /// The place of a pair among binary_pairs; -1 for other pairs.
 constexpr auto places = [] {

@@ -172,11 +172,11 @@ template <extreme Which, class V> inline V extreme_of(V x, V y) {
     return std::bit_cast<integers>(magnitude(v)) <= infinity;
   };
   const auto x_first = Which == extreme::smaller ? key(x) < key(y) : key(x) > key(y);
-  const auto takes_x = (x_first & is_number(x)) | !is_number(y);
   if constexpr (is_register<V>) {
+    const auto takes_x = (x_first & is_number(x)) | ~is_number(y);
     return select(std::bit_cast<typename lanes_of<V>::mask>(takes_x), x, y);
   } else {
-    return takes_x ? x : y;
+    return (x_first && is_number(x)) || !is_number(y) ? x : y;
   }
 }
 

@@ -57,15 +57,14 @@ template <class N> constexpr auto is_above_floor(N remainder, N y) {
   const N zero = {};
   return (remainder != zero) & ((remainder < zero) != (y < zero));
 }
-template <class N> constexpr N choose(bool condition, N a, N b) { return condition ? a : b; }
-inline real64_lanes choose(mask64_lanes condition, real64_lanes a, real64_lanes b) {
-  return select(condition, a, b);
+/// a where the condition holds, b elsewhere: for numbers and for registers of either kind.
+template <class Condition, class N> constexpr N choose(Condition condition, N a, N b) {
+  if constexpr (std::is_same_v<N, real64_lanes> || std::is_same_v<N, real32_lanes>) {
+    return select(std::bit_cast<typename lanes_of<N>::mask>(condition), a, b);
+  } else {
+    return condition ? a : b;
+  }
 }
-inline real32_lanes choose(mask32_lanes condition, real32_lanes a, real32_lanes b) {
-  return select(condition, a, b);
-}
-
-inline int64_lanes choose(int64_lanes condition, int64_lanes a, int64_lanes b) { return condition ? a : b; }
 
 /// x = q y + r with |r| < |y|, r of either sign, for any x and y but 0. The estimate in double leaves a remainder near to |y| at most,
 /// whose own quotient mends it; products and differences wrap, and what they give fits.

@@ -14,7 +14,7 @@ template <class OfOne> struct one_for_both {
   static constexpr char return_range[] = "II-II----";
   struct on_integers {
     template <class T> static constexpr T value(T x, T y) {
-      return static_cast<T>((OfOne::on_integers::value(x) != 0) & (OfOne::on_integers::value(y) != 0));
+      return static_cast<T>(OfOne::on_integers::value(x) != 0 && OfOne::on_integers::value(y) != 0);
     }
   };
   struct on_reals : unchecked {
@@ -38,7 +38,7 @@ struct Triangle2 {
   static constexpr char name[] = "triangle2";
   static constexpr char return_range[] = "IR-RR----";
   struct on_integers {
-    template <class T> static constexpr T value(T x, T y) { return static_cast<T>((x == 0) & (y == 0)); }
+    template <class T> static constexpr T value(T x, T y) { return static_cast<T>(x == 0 && y == 0); }
   };
   struct on_reals : unchecked {
     template <class T> static T value(T x, T y) {
