@@ -64,7 +64,10 @@ template <class Rule, class S, class T> struct of_both_parts : Rule {
     return re & im;
   }
   bool plainly_accepts(S z) const requires requires { Rule::plainly_accepts(z.re); }
-  { return Rule::plainly_accepts(z.re) & Rule::plainly_accepts(z.im); }
+  {
+    const bool re = Rule::plainly_accepts(z.re), im = Rule::plainly_accepts(z.im);
+    return re & im;
+  }
   T value(S z) const { return {Rule::value(z.re), Rule::value(z.im)}; }
   bool stores_refused(S z) const requires requires { Rule::stores_refused(z.re); }
   { return Rule::stores_refused(z.re) && Rule::stores_refused(z.im); }

@@ -42,7 +42,7 @@ int32_t to_integer(Wide* result, int32_t type, const MNumericArrayConvertData* r
     if constexpr (vlm::is_integer_element<T> && std::is_signed_v<T> == std::is_signed_v<Wide>) {
       T narrow{};
       status = from_mreal<T>(result == nullptr ? nullptr : &narrow, record, value);
-      if (status == ArrayStatusOk) *result = narrow;
+      if (status == ArrayStatusOk) *result = static_cast<Wide>(+narrow);
     }
   });
   return status;

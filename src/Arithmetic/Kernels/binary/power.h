@@ -27,7 +27,7 @@ struct integer_pow {
     }
     if (y < 0) return true;
     const auto size = unsigned_magnitude(x);
-    const auto e = static_cast<uint64_t>(y);
+    const uint64_t e = bits_of(y);  // y is not negative
     if (std::has_single_bit(size)) {
       const uint64_t n = static_cast<uint64_t>(std::countr_zero(size)) * e;
       // The power of two that does not fit any more.

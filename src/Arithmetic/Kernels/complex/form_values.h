@@ -18,7 +18,7 @@ template <class Form, class T>
 [[gnu::cold, gnu::noinline]] void compute_as_numbers(T* result, const T* source, lane_set wanted,
                                                      std::optional<fp::quiet_section>& quiet) {
   quiet.reset();
-  for (int lane = 0; wanted != 0; ++lane, wanted >>= 1) {
+  for (mint lane = 0; wanted != 0; ++lane, wanted >>= 1) {
     if ((wanted & 1) == 0) continue;
     const auto y = function<Form>{}(parts<T>{source[2 * lane], source[2 * lane + 1]});
     std::memcpy(result + lane * numbers_of_result<Form, T>, &y, sizeof y);

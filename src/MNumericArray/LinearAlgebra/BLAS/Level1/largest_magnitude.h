@@ -23,12 +23,13 @@ template <class T> struct place {
 /// The largest magnitude of a run, at least 0. No NaN exceeds anything.
 template <class T> T largest_in_block(const T* x, mint n) {
   using V = register_of<T>;
-  constexpr int lanes = lanes_of<V>::count, side_by_side = 4, bytes_ahead = 2048;
+  constexpr mint lanes = lanes_of<V>::count, side_by_side = 4;
+  constexpr int bytes_ahead = 2048;
   V largest[side_by_side] = {};
   const auto take = [](auto& m, auto v) { m = select(v > m, v, m); };
   mint i = 0;
   for (; i + side_by_side * lanes <= n; i += side_by_side * lanes) {
-    for (int k = 0; k < side_by_side; ++k) {
+    for (mint k = 0; k < side_by_side; ++k) {
       const T* const v = x + i + k * lanes;
       __builtin_prefetch(reinterpret_cast<const char*>(v) + bytes_ahead);
       take(largest[k], magnitude(load<V>(v)));

@@ -96,7 +96,7 @@ template <class T, class Terms> class ordered_sum {
       bits largest = {};   ///< of the magnitudes
       bits furthest = {};  ///< of the distances from a term to its rounding: half a spacing is a middle
     } side[4];
-    constexpr int sides = 4;
+    constexpr mint sides = 4;
     const auto take = [&](V v, auto& s) {
       const bits b = (bits)magnitude(v);
       s.largest = b > s.largest ? b : s.largest;
@@ -109,7 +109,7 @@ template <class T, class Terms> class ordered_sum {
     };
     mint i = 0;
     for (; i + sides * lanes <= n; i += sides * lanes) {
-      for (int k = 0; k < sides; ++k) {
+      for (mint k = 0; k < sides; ++k) {
         const T* const v = x + i + k * lanes;
         __builtin_prefetch(reinterpret_cast<const char*>(v) + bytes_ahead);
         take(load<V>(v), side[k]);
