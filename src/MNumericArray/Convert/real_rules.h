@@ -27,11 +27,11 @@ template <class T, class R, bool Clip, bool MayBeNaN = true> inline T truncated(
   using wide = std::conditional_t<sizeof(T) < 4, int32_t, T>;
   if constexpr (Clip && !range::all_exact) {
     const bool above = r > range::most, below = r < range::least;
-    const T inside = static_cast<T>(static_cast<wide>(((r == r) & !above & !below) ? r : number(0)));
+    const T inside = static_cast<T>(static_cast<wide>((std::isnan(r) | above | below) ? number(0) : r));
     return above ? std::numeric_limits<T>::max() : below ? std::numeric_limits<T>::min() : inside;
   } else {
     number inside = Clip ? clamped(r, range::least, range::most) : r;
-    if constexpr (MayBeNaN) inside = inside == inside ? inside : number(0);
+    if constexpr (MayBeNaN) inside = std::isnan(inside) ? number(0) : inside;
     return static_cast<T>(static_cast<wide>(inside));
   }
 }
