@@ -132,7 +132,15 @@ struct Mod {
   static constexpr mixed widens = mixed::all;
   struct on_integers : refuses_zero {
     template <class N> static constexpr N from(division<N> d, N y) {
-      return choose(is_above_floor(d.remainder, y), static_cast<N>(d.remainder + y), d.remainder);
+      // Only a remainder on the other side of 0 than y takes y in, but the addition may be made before that is known.
+      const auto moved = [&] {
+        if constexpr (std::is_integral_v<N>) {
+          return wrapping_sum(d.remainder, y);
+        } else {
+          return d.remainder + y;
+        }
+      };
+      return choose(is_above_floor(d.remainder, y), moved(), d.remainder);
     }
     template <class T> static constexpr T value(T x, T y) { return from(truncating(x, y), y); }
     template <class T> static void run(T* result, const T* x, const T* y, mint n) {
@@ -175,7 +183,11 @@ struct Quotient {
       return y == 0 || is_least_over_minus_one(x, y);
     }
     template <class N> static constexpr N from(division<N> d, N y) {
-      return choose(is_above_floor(d.remainder, y), static_cast<N>(d.quotient - 1), d.quotient);
+      if constexpr (std::is_integral_v<N>) {
+        return static_cast<N>(d.quotient - (is_above_floor(d.remainder, y) ? 1 : 0));
+      } else {
+        return choose(is_above_floor(d.remainder, y), d.quotient - 1, d.quotient);
+      }
     }
     template <class T> static constexpr T value(T x, T y) { return from(truncating(x, y), y); }
     template <class T> static void run(T* result, const T* x, const T* y, mint n) {
