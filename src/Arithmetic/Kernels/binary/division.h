@@ -66,6 +66,17 @@ template <class Condition, class N> constexpr N choose(Condition condition, N a,
   }
 }
 
+/// A sum that wraps, since it may be made although nobody takes it.
+template <class N> constexpr N sum(N a, N b) {
+  if constexpr (std::is_integral_v<N>) {
+    return wrapping_sum(a, b);
+  } else if constexpr (std::is_same_v<N, int64_lanes>) {
+    return (int64_lanes)((uint64_lanes)a + (uint64_lanes)b);
+  } else {
+    return a + b;
+  }
+}
+
 /// x = q y + r with |r| < |y|, r of either sign, for any x and y but 0. The estimate in double leaves a remainder near to |y| at most,
 /// whose own quotient mends it; products and differences wrap, and what they give fits.
 inline division<int64_lanes> wide_division(int64_lanes x, int64_lanes y) {
@@ -132,15 +143,7 @@ struct Mod {
   static constexpr mixed widens = mixed::all;
   struct on_integers : refuses_zero {
     template <class N> static constexpr N from(division<N> d, N y) {
-      // Only a remainder on the other side of 0 than y takes y in, but the addition may be made before that is known.
-      const auto moved = [&] {
-        if constexpr (std::is_integral_v<N>) {
-          return wrapping_sum(d.remainder, y);
-        } else {
-          return d.remainder + y;
-        }
-      };
-      return choose(is_above_floor(d.remainder, y), moved(), d.remainder);
+      return choose(is_above_floor(d.remainder, y), sum(d.remainder, y), d.remainder);
     }
     template <class T> static constexpr T value(T x, T y) { return from(truncating(x, y), y); }
     template <class T> static void run(T* result, const T* x, const T* y, mint n) {
@@ -183,11 +186,7 @@ struct Quotient {
       return y == 0 || is_least_over_minus_one(x, y);
     }
     template <class N> static constexpr N from(division<N> d, N y) {
-      if constexpr (std::is_integral_v<N>) {
-        return static_cast<N>(d.quotient - (is_above_floor(d.remainder, y) ? 1 : 0));
-      } else {
-        return choose(is_above_floor(d.remainder, y), d.quotient - 1, d.quotient);
-      }
+      return choose(is_above_floor(d.remainder, y), sum(d.quotient, static_cast<N>(N{} - 1)), d.quotient);
     }
     template <class T> static constexpr T value(T x, T y) { return from(truncating(x, y), y); }
     template <class T> static void run(T* result, const T* x, const T* y, mint n) {

@@ -92,7 +92,7 @@ template <class T> inline complex::parts<T> complex_integer_power(complex::parts
 /// magnitude mean nothing.
 struct lane_powers {
   static real64_lanes power(real64_lanes x, int64_lanes y) {
-    const int64_lanes sign = y >> 63, e = (y ^ sign) - sign;
+    const int64_lanes sign = y >> 63, e = (int64_lanes)((uint64_lanes)(y ^ sign) - (uint64_lanes)sign);
     const lane_set small = is(e <= 8);
     const V x2 = x * x, x3 = x2 * x, x4 = x2 * x2;
     V r = x;

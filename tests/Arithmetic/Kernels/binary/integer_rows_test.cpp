@@ -29,6 +29,10 @@ constexpr exact no_value{0, true, false};
 
 wide size_of(wide x) { return x < 0 ? -x : x; }
 wide floor_of(wide x, wide y) { return x / y - ((x % y != 0 && (x < 0) != (y < 0)) ? 1 : 0); }
+/// Of two numbers of 64 bits. What 127 bits do not hold comes out negative, which no unsigned type holds either.
+wide product_of(wide x, wide y) {
+  return static_cast<wide>(static_cast<unsigned __int128>(x) * static_cast<unsigned __int128>(y));
+}
 wide gcd_of(wide x, wide y) { return y == 0 ? size_of(x) : gcd_of(y, x % y); }
 /// x / y to nearest, ties to even.
 wide nearest_of(wide x, wide y) {
@@ -64,7 +68,7 @@ exact rule(int32_t number, wide x, wide y, const type_facts& type) {
     case 258:
       return {x - y};
     case 259:
-      return {x * y};
+      return {product_of(x, y)};
     case 261:
       return y == 0 ? no_value : exact{x - floor_of(x, y) * y};
     case 262:
@@ -121,7 +125,7 @@ exact rule(int32_t number, wide x, wide y, const type_facts& type) {
     case 281:
       return {gcd_of(x, y)};
     case 282:
-      return {x == 0 || y == 0 ? 0 : size_of(x) / gcd_of(x, y) * size_of(y)};
+      return {x == 0 || y == 0 ? 0 : product_of(size_of(x) / gcd_of(x, y), size_of(y))};
     case 283:
       return y == 0 || (x == type.least && y == -1) ? no_value : exact{-floor_of(-x, y) * y};
     case 284:

@@ -235,7 +235,7 @@ TEST(BinaryRoads, OtherOverlapReadsTheOperandsFirst) {
     n = x.size() / r.xb();
     const by_scalar scalar(r, x, y, n, 0);
     // The results begin one element behind x, then at x itself whatever the sizes.
-    for (const size_t shift : {r.xb(), size_t{0}}) {
+    for (const size_t shift : {std::max(r.xb(), r.rb()), size_t{0}}) {
       bytes shared(shift + n * std::max(r.xb(), r.rb()) + 16);
       std::memcpy(shared.data(), x.data(), x.size());
       ASSERT_EQ(
