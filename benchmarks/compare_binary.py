@@ -76,7 +76,6 @@ ROWS = [
     ("mod", "Integer64", "Integer64", (-2**62, 2**62), (1, 2**40), np.mod, "Integer64", 1.0),
     ("quotient", "Integer64", "Integer64", (-1e6, 1e6), (1, 1000), np.floor_divide, "Integer64", 1.0),
     ("quotient", "Integer64", "Integer64", (-2**62, 2**62), (1, 2**40), np.floor_divide, "Integer64", 1.0),
-    ("atan2", "Real64", "Real64", (-10, 10), (-10, 10), lambda x, y, out: np.arctan2(y, x, out=out), "Real64", 1.25),
     ("gcd", "Integer64", "Integer64", (-1e6, 1e6), (-1e6, 1e6), np.gcd, "Integer64", 1.0),
     ("times", "ComplexReal64", "ComplexReal64", (-10, 10), (-10, 10), np.multiply, "ComplexReal64", 1.2),
     ("div", "ComplexReal64", "ComplexReal64", (-10, 10), (-10, 10), np.divide, "ComplexReal64", 1.2),
