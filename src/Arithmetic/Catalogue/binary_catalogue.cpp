@@ -4,7 +4,7 @@
 #include "Arithmetic/Kernels/binary/integers.h"
 #include "Arithmetic/Kernels/binary/power.h"
 #include "Arithmetic/Kernels/binary/steps.h"
-#include "velorim/array.h"
+#include "MTensor/tensor_type.h"
 
 namespace vlm::machine_function {
 
@@ -65,11 +65,6 @@ constexpr auto places = [] {
 
 constexpr MachFuncRow empty_row{};
 
-/// The element type of a tensor type code; 0 for a code that is none.
-int32_t element_type_of_tensor(int32_t type) {
-  return type >= 0 && type <= MTensorTypeComplex ? MTensorToMNumericArrayType[type] : 0;
-}
-
 }  // namespace
 
 const binary_function_rows* binary_function(int32_t number) {
@@ -90,6 +85,7 @@ const MachFuncRow& binary_row(int32_t number, int32_t x_type, int32_t y_type) {
 // ---- The catalogue as the interface shows it ----------------------------------------------------------------------------------
 
 using namespace vlm::machine_function;
+using vlm::element_type_of_tensor;
 
 MachFuncVector2 MNumericArray_getBinaryVectorMachFunc(int32_t number, int32_t xType, int32_t yType) noexcept {
   return binary_row(number, xType, yType).vectorKernel.binary;

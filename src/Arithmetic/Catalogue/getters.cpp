@@ -1,17 +1,13 @@
 // The catalogue as the interface shows it.
 #include "Arithmetic/Catalogue/catalogue.h"
-#include "velorim/array.h"
+#include "MTensor/tensor_type.h"
 
+using vlm::element_type_of_tensor;
 using vlm::machine_function::function_rows;
 using vlm::machine_function::unary_function;
 using vlm::machine_function::unary_row;
 
 namespace {
-
-/// The element type of a tensor type code; 0 for a code that is none.
-int32_t element_type_of_tensor(int32_t type) {
-  return type >= 0 && type <= 4 ? MTensorToMNumericArrayType[type] : 0;
-}
 
 constexpr int32_t no_such_function = 7;
 constexpr int32_t same_as_argument = -1;

@@ -4,6 +4,7 @@
 
 #include "Arithmetic/Frames/vector_parallel_omp_funs3.h"
 #include "Arithmetic/Kernels/ternary_runs.h"
+#include "MTensor/tensor_type.h"
 #include "velorim/array.h"
 #include "velorim/tensor_arithmetic.h"
 
@@ -74,10 +75,8 @@ namespace {
 
 /// The row of three tensor types.
 const MachFuncRow& row_of_tensors(int32_t number, int32_t a, int32_t x, int32_t y) {
-  const auto element_type = [](int32_t type) {
-    return type >= 0 && type <= MTensorTypeComplex ? MTensorToMNumericArrayType[type] : 0;
-  };
-  return ternary_row(number, element_type(a), element_type(x), element_type(y));
+  using vlm::element_type_of_tensor;
+  return ternary_row(number, element_type_of_tensor(a), element_type_of_tensor(x), element_type_of_tensor(y));
 }
 
 }  // namespace
