@@ -1,6 +1,6 @@
 // The tensor view of the array record: each form maps its tensor type code and is the array form of the same name.
+#include "Includes/tensor_type.h"
 #include "MNumericArray/Allocate/array_record.h"
-#include "MTensor/tensor_type.h"
 
 using vlm::element_type_of_tensor;
 

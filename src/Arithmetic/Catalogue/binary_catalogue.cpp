@@ -4,7 +4,7 @@
 #include "Arithmetic/Kernels/binary/integers.h"
 #include "Arithmetic/Kernels/binary/power.h"
 #include "Arithmetic/Kernels/binary/steps.h"
-#include "MTensor/tensor_type.h"
+#include "Includes/tensor_type.h"
 
 namespace vlm::machine_function {
 

@@ -1,6 +1,6 @@
 // The catalogue as the interface shows it.
 #include "Arithmetic/Catalogue/catalogue.h"
-#include "MTensor/tensor_type.h"
+#include "Includes/tensor_type.h"
 
 using vlm::element_type_of_tensor;
 using vlm::machine_function::function_rows;

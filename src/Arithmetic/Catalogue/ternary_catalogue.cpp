@@ -4,7 +4,7 @@
 
 #include "Arithmetic/Frames/vector_parallel_omp_funs3.h"
 #include "Arithmetic/Kernels/ternary_runs.h"
-#include "MTensor/tensor_type.h"
+#include "Includes/tensor_type.h"
 #include "velorim/array.h"
 #include "velorim/tensor_arithmetic.h"
 

@@ -1,10 +1,10 @@
 // Coercion: conversion by the method "Coerce" with a tolerance of the caller, and the forms for tensors.
 #include <utility>
 
+#include "Includes/tensor_type.h"
 #include "MNumericArray/Allocate/array_record.h"
 #include "MNumericArray/Convert/element_core.h"
 #include "MNumericArray/Convert/pair_table.h"
-#include "MTensor/tensor_type.h"
 #include "velorim/array_services.h"
 #include "velorim/status.h"
 
